@@ -1,0 +1,104 @@
+#include "description/PathHelpers.h"
+
+#include <cctype>
+#include <cstring>
+
+#include "BoundedText.h"
+
+char* joinPath(const char* folder, const char* name, char* out, size_t capacity)
+{
+    copyText(out, folder, capacity);
+    size_t length = std::strlen(out);
+    if (length == 0 || out[length - 1] != '\\') appendText(out, "\\", capacity);
+    if (name) appendText(out, name, capacity);
+    return out;
+}
+
+bool fileExists(const char* folder, const char* name)
+{
+    char path[MAX_PATH];
+    if (name)
+        joinPath(folder, name, path, sizeof path);
+    else
+        copyText(path, folder, sizeof path);
+    return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool folderExists(const char* path)
+{
+    WIN32_FIND_DATAA found;
+    HANDLE search = FindFirstFileA(path, &found);
+    if (search == INVALID_HANDLE_VALUE) return false;
+    bool folder = false;
+    do {
+        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+            folder = true;
+            break;
+        }
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    return folder;
+}
+
+bool createFolderPath(const char* path)
+{
+    char copy[MAX_PATH];
+    copyText(copy, path, sizeof copy);
+    char* p = copy;
+    if (copy[0] && copy[1] == ':') p = copy + 2;
+    if (*p == '\\') ++p;
+    for (; *p; ++p) {
+        if (*p != '\\') continue;
+        *p = 0;
+        CreateDirectoryA(copy, nullptr);
+        *p = '\\';
+    }
+    CreateDirectoryA(copy, nullptr);
+    return folderExists(copy);
+}
+
+bool removeTree(const char* path)
+{
+    char pattern[MAX_PATH];
+    joinPath(path, "*.*", pattern, sizeof pattern);
+    WIN32_FIND_DATAA found;
+    HANDLE search = FindFirstFileA(pattern, &found);
+    if (search != INVALID_HANDLE_VALUE) {
+        do {
+            if (found.cFileName[0] == '.') continue;
+            char full[MAX_PATH];
+            joinPath(path, found.cFileName, full, sizeof full);
+            // A name that does not fit the buffer is left alone rather than cut
+            // into the name of something else.
+            if (std::strlen(path) + 1 + std::strlen(found.cFileName) >= sizeof full) continue;
+            if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
+                removeTree(full);
+            else
+                DeleteFileA(full);
+        } while (FindNextFileA(search, &found));
+        FindClose(search);
+    }
+    return RemoveDirectoryA(path) == TRUE;
+}
+
+DWORD fileSizeOf(const char* path)
+{
+    HANDLE file =
+        CreateFileA(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return 0;
+    DWORD size = GetFileSize(file, nullptr);
+    CloseHandle(file);
+    return size == INVALID_FILE_SIZE ? 0 : size;
+}
+
+char* trimSpaces(char* text)
+{
+    if (!text) return text;
+    char* start = text;
+    while (*start && std::isspace(static_cast<unsigned char>(*start))) ++start;
+    size_t length = std::strlen(start);
+    while (length && std::isspace(static_cast<unsigned char>(start[length - 1]))) --length;
+    std::memmove(text, start, length);
+    text[length] = 0;
+    return text;
+}

@@ -1,0 +1,21 @@
+#pragma once
+#include <windows.h>
+
+// Path and file helpers shared by the whole program. Paths live in buffers of
+// MAX_PATH bytes unless a capacity is given; every copy is cut to the buffer.
+
+// `folder`, a backslash unless it ends in one, then `name` (if not null).
+char* joinPath(const char* folder, const char* name, char* out, size_t capacity);
+// The join of the two exists (a folder counts); `folder` alone when `name` is null.
+bool fileExists(const char* folder, const char* name);
+// `path` names an existing folder. A trailing backslash finds nothing.
+bool folderExists(const char* path);
+// Makes every folder along `path`; true if the whole path then stands as a folder.
+bool createFolderPath(const char* path);
+// Deletes `path` with all it holds, except names that begin with a point (and
+// so the folders that hold them). True if the folder itself went.
+bool removeTree(const char* path);
+// Size in bytes, 0 if the file cannot be opened.
+DWORD fileSizeOf(const char* path);
+// Removes white space from both ends, in place.
+char* trimSpaces(char* text);

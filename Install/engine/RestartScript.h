@@ -1,0 +1,23 @@
+#pragma once
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+// tavrin.rss: what the file pass could not finish because a file was in use,
+// carried out by "SETUP.EXE -restart <script>" at the next logon.
+struct CRestartCommand {
+    enum Kind { destination, source, copy, regsvr32 } kind;
+    std::string first;   // the folder, the copy's source, or the path to register
+    std::string second;  // the copy's target
+};
+
+// The commands of a script text in order. Lines are cut at every CR and LF;
+// lines that are none of the four commands, and copy lines without a blank
+// behind their source, are passed over. Every path is cut to 259 characters.
+std::vector<CRestartCommand> readRestartCommands(const char* text);
+
+// The restart run. False when a line failed: the failure box has been shown and
+// the caller must stop at once, leaving the script and its folder in place.
+// True otherwise, also when the script does not open (then nothing is done).
+bool runRestartScript(const char* scriptPath);

@@ -1,0 +1,5 @@
+#include "wizard/InstallWizard.h"
+
+CInstallWizard::CInstallWizard(bool quietRun) : quiet(quietRun) {}
+
+CInstallWizard::~CInstallWizard() {}
