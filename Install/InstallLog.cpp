@@ -29,6 +29,7 @@ void CInstallLog::open(const char* directory)
 {
     char path[MAX_PATH];
     joinPath(directory, "TavRinInstall.log", path, sizeof path);
+    close();  // an earlier log's handle would refuse the new file by its share mode
     HANDLE created = CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL, nullptr);
     EnterCriticalSection(&lock);

@@ -1,0 +1,130 @@
+#include "SetupProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+SetupProcess::SetupProcess(const std::string& arguments)
+{
+    std::string commandLine = "\"" + setupPath() + "\"";
+    if (!arguments.empty()) commandLine += " " + arguments;
+    std::vector<char> buffer(commandLine.begin(), commandLine.end());
+    buffer.push_back(0);
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    if (!CreateProcessA(nullptr, buffer.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        &startup, &info))
+        ADD_FAILURE() << "cannot start " << setupPath() << ": error " << GetLastError();
+}
+
+SetupProcess::~SetupProcess()
+{
+    if (info.hProcess) {
+        if (WaitForSingleObject(info.hProcess, 0) == WAIT_TIMEOUT) kill();
+        CloseHandle(info.hProcess);
+        CloseHandle(info.hThread);
+    }
+}
+
+int SetupProcess::wait(DWORD timeoutMs)
+{
+    if (!info.hProcess) return -1;
+    if (WaitForSingleObject(info.hProcess, timeoutMs) != WAIT_OBJECT_0) return -1;
+    DWORD code = 0;
+    GetExitCodeProcess(info.hProcess, &code);
+    return static_cast<int>(code);
+}
+
+HWND SetupProcess::window(const std::string& caption, DWORD timeoutMs)
+{
+    uidriver::WindowQuery query;
+    query.caption = caption;
+    query.processId = info.dwProcessId;
+    return uidriver::waitForWindow(query, timeoutMs);
+}
+
+void SetupProcess::kill()
+{
+    TerminateProcess(info.hProcess, 9);
+    WaitForSingleObject(info.hProcess, 5000);
+}
+
+std::string testFolder()
+{
+    char path[MAX_PATH];
+    GetModuleFileNameA(nullptr, path, sizeof path);
+    std::string folder(path);
+    return folder.substr(0, folder.find_last_of('\\') + 1);
+}
+
+std::string setupPath()
+{
+    // build/x64/tests/process/<test>.exe beside build/x64/SETUP.EXE
+    return testFolder() + "..\\..\\SETUP.EXE";
+}
+
+std::string readFile(const std::string& path)
+{
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                              nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return "";
+    std::string data;
+    char chunk[65536];
+    DWORD got = 0;
+    while (ReadFile(file, chunk, sizeof chunk, &got, nullptr) && got) data.append(chunk, got);
+    CloseHandle(file);
+    return data;
+}
+
+void writeFile(const std::string& path, const std::string& data)
+{
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE) << path;
+    DWORD written = 0;
+    WriteFile(file, data.data(), static_cast<DWORD>(data.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+std::string readLog()
+{
+    char windows[MAX_PATH];
+    GetWindowsDirectoryA(windows, sizeof windows);
+    return readFile(std::string(windows) + "\\TavRinInstall.log");
+}
+
+std::string readFlag()
+{
+    char value[256] = "";
+    DWORD size = sizeof value - 1;
+    if (RegGetValueA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin", "InstallInProcess", RRF_RT_REG_SZ,
+                     nullptr, value, &size) != ERROR_SUCCESS)
+        return "(none)";
+    return value;
+}
+
+void writeFlag(const char* value)
+{
+    HKEY key;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin", 0, nullptr, 0, KEY_ALL_ACCESS,
+                              nullptr, &key, nullptr),
+              ERROR_SUCCESS);
+    RegSetValueExA(key, "InstallInProcess", 0, REG_SZ, reinterpret_cast<const BYTE*>(value),
+                   static_cast<DWORD>(strlen(value) + 1));
+    RegCloseKey(key);
+}
+
+std::string answerBox(SetupProcess& process, const std::string& caption, int button)
+{
+    HWND box = process.window(caption);
+    if (!box) {
+        ADD_FAILURE() << "no box \"" << caption << "\"";
+        return "";
+    }
+    std::string text = uidriver::messageText(box);
+    uidriver::pressButton(box, button);
+    uidriver::WindowQuery gone;
+    gone.caption = caption;
+    gone.processId = process.id();
+    uidriver::waitForWindowGone(gone, 5000);
+    return text;
+}

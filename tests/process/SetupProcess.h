@@ -1,0 +1,33 @@
+#pragma once
+#include <windows.h>
+
+#include <string>
+
+#include "UiDriver.h"
+
+// SETUP.EXE started as a user would start it, and what it leaves behind.
+class SetupProcess {
+public:
+    explicit SetupProcess(const std::string& arguments);
+    ~SetupProcess();
+    // Waits for the end; returns the exit code, or -1 if it did not end in time.
+    int wait(DWORD timeoutMs = 20000);
+    // The visible window of this process with that caption, or null after the wait.
+    HWND window(const std::string& caption, DWORD timeoutMs = 10000);
+    void kill();
+    DWORD id() const { return info.dwProcessId; }
+
+private:
+    PROCESS_INFORMATION info = {};
+};
+
+std::string setupPath();
+std::string testFolder();  // the folder of the test program, with a trailing backslash
+std::string readLog();     // TavRinInstall.log of the Windows directory
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, const std::string& data);
+// The InstallInProcess flag under HKCU\SOFTWARE\Tavrin; "(none)" if missing.
+std::string readFlag();
+void writeFlag(const char* value);
+// Presses `button` on the box with `caption` of `process` and returns its text.
+std::string answerBox(SetupProcess& process, const std::string& caption, int button = IDOK);

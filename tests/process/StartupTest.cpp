@@ -1,0 +1,122 @@
+// SETUP.EXE started as a user starts it: the help box, the log every run
+// opens with, and the InstallInProcess flag over a series of runs.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+#include "SetupProcess.h"
+
+namespace {
+const char* const previousRunText =
+    "TavRin Installation has detected that a previous instance of the installation failed to "
+    "complete.  Please review the TavRinInstall.log in your windows directory or for more "
+    "assistance send this file to our support department at support@tavrin.example";
+
+// The log's lines without their "DD-MM-YYYY HH:MM:SS- " stamps; a line whose
+// stamp is malformed is kept whole, so the comparison shows it.
+std::vector<std::string> logLines()
+{
+    std::vector<std::string> lines;
+    std::string log = readLog();
+    size_t start = 0;
+    for (size_t end; (end = log.find("\r\n", start)) != std::string::npos; start = end + 2) {
+        std::string line = log.substr(start, end - start);
+        bool stamped = line.size() >= 21 && line[2] == '-' && line[5] == '-' && line[10] == ' ' &&
+                       line[13] == ':' && line[16] == ':' && line.compare(19, 2, "- ") == 0;
+        lines.push_back(stamped ? line.substr(21) : line);
+    }
+    EXPECT_EQ(start, log.size()) << "the log ends with an unterminated line";
+    return lines;
+}
+
+bool hasLine(const std::vector<std::string>& lines, const std::string& text)
+{
+    for (const std::string& line : lines)
+        if (line == text) return true;
+    return false;
+}
+
+void expectLogHead(const std::vector<std::string>& lines)
+{
+    ASSERT_GE(lines.size(), 15u);
+    EXPECT_EQ(lines[0], "TavRin Installation Log");
+    EXPECT_EQ(lines[1], "If you experience any problems during the installation, please forward "
+                        "this log to support@tavrin.example");
+    EXPECT_EQ(lines[2], std::string(30, '-') + " System Information " + std::string(30, '-'));
+    const char* report[] = {"Windows Directory: ", "System Directory: ", "Windows OS: Windows NT",
+                            "Windows Version: ", "Service Packs: ", "Internet Explorer Version: ",
+                            "Processor: ", "Processor Count: ", "Wininet version: ",
+                            "Connection Type: "};
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(lines[3 + i].rfind(report[i], 0), 0u) << lines[3 + i];
+    EXPECT_EQ(lines[13], std::string(80, '-'));
+    EXPECT_EQ(lines[14], "Begin Installation");
+}
+}  // namespace
+
+TEST(Startup, HelpBoxShowsTheOptionsAndLeavesTheFlagAlone)
+{
+    writeFlag("1");
+    SetupProcess setup("/?");
+    EXPECT_EQ(answerBox(setup, "TavRin Installation"),
+              "TavRin Installation\n\nCommand Options: \n  /Q\t: Quite Mode\n  /T\t: Troubleshooting "
+              "Mode\n  /?\t: Help (this screen)\n");
+    EXPECT_EQ(setup.wait(), 0);
+    auto lines = logLines();
+    expectLogHead(lines);
+    EXPECT_EQ(lines.size(), 15u) << "the help box logs nothing behind Begin Installation";
+    EXPECT_EQ(readFlag(), "1");
+}
+
+TEST(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
+{
+    writeFlag("1");
+    {
+        // A run left the flag set and died: the next run tells of it, then goes on.
+        SetupProcess setup("");
+        EXPECT_EQ(answerBox(setup, "Error"), previousRunText);
+        EXPECT_EQ(setup.wait(), 0);
+    }
+    auto lines = logLines();
+    expectLogHead(lines);
+    EXPECT_TRUE(hasLine(lines, std::string("ERRORMSG: ") + previousRunText));
+    EXPECT_EQ(lines.back(), "Installation Complete");
+    EXPECT_EQ(readFlag(), "0");
+
+    // "/?x" selects nothing: a normal run, and no box this time.
+    SetupProcess again("/?x");
+    EXPECT_EQ(again.wait(), 0);
+    EXPECT_FALSE(again.window("Error", 0));
+    EXPECT_EQ(readFlag(), "0");
+    EXPECT_EQ(logLines().back(), "Installation Complete");
+}
+
+TEST(Startup, KilledRunKeepsTheFlagForTheNextRun)
+{
+    writeFlag("1");
+    SetupProcess first("");
+    ASSERT_TRUE(first.window("Error"));
+    first.kill();
+    EXPECT_EQ(readFlag(), "1");
+    EXPECT_FALSE(hasLine(logLines(), "Installation Complete"));
+
+    SetupProcess second("/Q");
+    EXPECT_EQ(answerBox(second, "Error"), previousRunText);
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_EQ(readFlag(), "0");
+}
+
+TEST(Startup, HostileCommandLinesEndInOrder)
+{
+    writeFlag("0");
+    // 10,000 characters in one token, then a token far beyond 255 behind -restart.
+    SetupProcess longToken(std::string(10000, 'q') + "/t");
+    EXPECT_EQ(longToken.wait(), 0);
+    EXPECT_EQ(logLines().back(), "Installation Complete");
+
+    SetupProcess longPath("-restart C:\\" + std::string(5000, 'p') + "\\tavrin.rss");
+    EXPECT_EQ(longPath.wait(), 0);
+    EXPECT_EQ(logLines().back(), "Installation Complete");
+    EXPECT_EQ(readFlag(), "0");
+}
