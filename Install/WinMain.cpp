@@ -13,6 +13,7 @@
 #include "RegistryKey.h"
 #include "engine/RestartScript.h"
 #include "wizard/InstallDialog.h"
+#include "wizard/InstallWizard.h"
 
 namespace {
 const char* const flagKey = "SOFTWARE\\Tavrin";
@@ -38,7 +39,7 @@ void closingStep(CRegistryKey& key)
     }
 }
 
-void normalMode(CRegistryKey& key, const CCommandLine&)
+void normalMode(CRegistryKey& key, const CCommandLine& command)
 {
     if (key.open(flagKey, true, KEY_ALL_ACCESS)) {
         bool running = false;
@@ -59,8 +60,9 @@ void normalMode(CRegistryKey& key, const CCommandLine&)
                     "Insufficient Windows Privileges", MB_ICONWARNING);
         return;
     }
-    // The wizard joins the run here once its pages exist; until then the normal
-    // run ends after the checks above.
+    CInstallWizard wizard(command.quiet);
+    // The pages join the wizard here as they are built; /T adds the analysis pages.
+    wizard.run();
 }
 }  // namespace
 

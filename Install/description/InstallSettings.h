@@ -44,8 +44,14 @@ struct CRegistryCheck {
     int flag = 0;
 };
 
+class CInstallWizard;
+
 class CInstallSettings {
 public:
+    // Reads the setup description at `path`; what is missing keeps its default.
+    // `wizard` expands the macros of the folder values.
+    int load(CInstallWizard* wizard, const char* path);
+
     std::vector<CInstallFile> files;
     std::vector<CInstallFile> foundFiles;
     std::vector<CDetectKill> detectKills;

@@ -15,3 +15,12 @@
 // Error list dialog
 #define IDD_ERROR_LIST           150
 #define IDC_ERROR_LIST_TEXT      1070
+
+// Payload: the cabinet in the program's resources
+#define IDR_PAYLOAD              101
+
+// Extraction dialog
+#define IDD_EXTRACT              106
+#define IDB_EXTRACT              107
+#define IDC_EXTRACT_PROGRESS     1007
+#define IDC_EXTRACT_STATUS       1008

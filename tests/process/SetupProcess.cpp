@@ -4,9 +4,9 @@
 
 #include <vector>
 
-SetupProcess::SetupProcess(const std::string& arguments)
+SetupProcess::SetupProcess(const std::string& arguments, const std::string& program)
 {
-    std::string commandLine = "\"" + setupPath() + "\"";
+    std::string commandLine = "\"" + program + "\"";
     if (!arguments.empty()) commandLine += " " + arguments;
     std::vector<char> buffer(commandLine.begin(), commandLine.end());
     buffer.push_back(0);
@@ -14,7 +14,7 @@ SetupProcess::SetupProcess(const std::string& arguments)
     startup.cb = sizeof startup;
     if (!CreateProcessA(nullptr, buffer.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                         &startup, &info))
-        ADD_FAILURE() << "cannot start " << setupPath() << ": error " << GetLastError();
+        ADD_FAILURE() << "cannot start " << program << ": error " << GetLastError();
 }
 
 SetupProcess::~SetupProcess()
@@ -61,6 +61,18 @@ std::string setupPath()
 {
     // build/x64/tests/process/<test>.exe beside build/x64/SETUP.EXE
     return testFolder() + "..\\..\\SETUP.EXE";
+}
+
+std::string variantPath(const std::string& variant)
+{
+    return testFolder() + "..\\..\\variants\\SETUP_" + variant + ".EXE";
+}
+
+std::string tempFolder()
+{
+    char temp[MAX_PATH];
+    GetTempPathA(sizeof temp, temp);
+    return temp;
 }
 
 std::string readFile(const std::string& path)

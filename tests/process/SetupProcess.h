@@ -5,10 +5,14 @@
 
 #include "UiDriver.h"
 
+std::string setupPath();
+// A test variant of SETUP.EXE: the same program with another cabinet.
+std::string variantPath(const std::string& variant);
+
 // SETUP.EXE started as a user would start it, and what it leaves behind.
 class SetupProcess {
 public:
-    explicit SetupProcess(const std::string& arguments);
+    explicit SetupProcess(const std::string& arguments, const std::string& program = setupPath());
     ~SetupProcess();
     // Waits for the end; returns the exit code, or -1 if it did not end in time.
     int wait(DWORD timeoutMs = 20000);
@@ -21,9 +25,9 @@ private:
     PROCESS_INFORMATION info = {};
 };
 
-std::string setupPath();
 std::string testFolder();  // the folder of the test program, with a trailing backslash
 std::string readLog();     // TavRinInstall.log of the Windows directory
+std::string tempFolder();  // GetTempPathA, with its trailing backslash
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& data);
 // The InstallInProcess flag under HKCU\SOFTWARE\Tavrin; "(none)" if missing.

@@ -1,0 +1,67 @@
+#include "analysis/CabinetFile.h"
+
+#include <setupapi.h>
+
+#include "BoundedText.h"
+#include "InstallLog.h"
+#include "description/PathHelpers.h"
+
+namespace {
+UINT CALLBACK cabinetCallback(PVOID context, UINT notification, UINT_PTR param1, UINT_PTR)
+{
+    return static_cast<CCabinetFile*>(context)->onNotification(notification, param1);
+}
+// A member goes into the extraction folder and nowhere else: no drive, no
+// rooted path, no step up.
+bool isPlainMemberName(const char* name)
+{
+    if (!*name || name[0] == '\\' || name[0] == '/') return false;
+    for (const char* p = name; *p; ++p)
+        if (*p == ':' || (p[0] == '.' && p[1] == '.')) return false;
+    return true;
+}
+}  // namespace
+
+UINT CCabinetFile::onNotification(UINT notification, UINT_PTR param1)
+{
+    switch (notification) {
+    case SPFILENOTIFY_CABINETINFO:
+    case SPFILENOTIFY_FILEEXTRACTED:
+        return NO_ERROR;
+    case SPFILENOTIFY_FILEINCABINET: {
+        auto* info = reinterpret_cast<FILE_IN_CABINET_INFO_A*>(param1);
+        if (mode != extracting) {
+            entries.push_back({info->NameInCabinet, info->FileSize});
+            return FILEOP_SKIP;
+        }
+        if (wantedName[0] && !equalsNoCase(wantedName, info->NameInCabinet)) return FILEOP_SKIP;
+        if (!isPlainMemberName(info->NameInCabinet)) return FILEOP_SKIP;
+        joinPath(targetFolder, info->NameInCabinet, info->FullTargetName,
+                 sizeof info->FullTargetName);
+        return FILEOP_DOIT;
+    }
+    default:
+        return FILEOP_SKIP;
+    }
+}
+
+int CCabinetFile::listFiles(const char* path)
+{
+    copyText(cabinetPath, path, sizeof cabinetPath);
+    mode = listing;
+    BOOL listed = SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
+    mode = idle;
+    return listed == TRUE;
+}
+
+int CCabinetFile::extractFile(size_t index, const char* folder)
+{
+    if (index >= entries.size()) return 1;
+    copyText(wantedName, entries[index].name.c_str(), sizeof wantedName);
+    installLog.writef("Expanding file %s", wantedName);
+    mode = extracting;
+    copyText(targetFolder, folder, sizeof targetFolder);
+    SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
+    mode = idle;
+    return 1;
+}

@@ -1,0 +1,72 @@
+#include "analysis/InstallExtract.h"
+
+#include <commctrl.h>
+
+#include "InstallLog.h"
+#include "Program.h"
+#include "description/PathHelpers.h"
+#include "resources/resource.h"
+
+std::string pickExtractionFolder(const char* folder)
+{
+    std::string name = "tavrin";
+    for (unsigned long number = 1; fileExists(folder, name.c_str()); ++number)
+        name = "tavrin" + std::to_string(number);
+    return name;
+}
+
+INT_PTR CInstallExtract::onInitDialog()
+{
+    startReadyTimer();
+    SendMessageA(GetDlgItem(hwnd, IDC_EXTRACT_PROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, 100));
+    return 1;
+}
+
+INT_PTR CInstallExtract::onCommand(int id, int)
+{
+    if (id == IDCANCEL) EndDialog(hwnd, 0);
+    return 1;
+}
+
+void CInstallExtract::onDlgReady()
+{
+    installLog.write("Extracting Install Files", true);
+    HRSRC resource = FindResourceA(moduleInstance, MAKEINTRESOURCEA(IDR_PAYLOAD), MAKEINTRESOURCEA(10));
+    if (!resource) return;  // the dialog waits, idle, for Cancel
+    HGLOBAL loaded = LoadResource(moduleInstance, resource);
+    const void* bytes = loaded ? LockResource(loaded) : nullptr;
+    DWORD size = SizeofResource(moduleInstance, resource);
+    if (!bytes) return;
+
+    HWND status = GetDlgItem(hwnd, IDC_EXTRACT_STATUS);
+    HWND progress = GetDlgItem(hwnd, IDC_EXTRACT_PROGRESS);
+    SetWindowTextA(status, "Extracting Installation Files...");
+    installLog.write("Extracting Data", true);
+
+    char temp[MAX_PATH] = "", cabinetFile[MAX_PATH] = "";
+    bool haveFile = GetTempPathA(sizeof temp, temp) && GetTempFileNameA(temp, "tv", 0, cabinetFile);
+    if (haveFile) {
+        HANDLE file = CreateFileA(cabinetFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        DWORD written = 0;
+        WriteFile(file, bytes, size, &written, nullptr);
+        CloseHandle(file);
+    }
+    SendMessageA(progress, PBM_DELTAPOS, 10, 0);
+    SetWindowTextA(status, "Decompressing Installation Files...");
+    if (haveFile) cabinet->listFiles(cabinetFile);
+
+    if (cabinet->fileCount() != 0) {
+        char folder[MAX_PATH];
+        joinPath(temp, pickExtractionFolder(temp).c_str(), folder, sizeof folder);
+        createFolderPath(folder);
+        tempFolder = folder;
+        int step = static_cast<int>(90 / cabinet->fileCount());
+        for (size_t index = 0; index < cabinet->fileCount(); ++index) {
+            cabinet->extractFile(index, folder);
+            SendMessageA(progress, PBM_DELTAPOS, step, 0);
+        }
+    }
+    if (haveFile) DeleteFileA(cabinetFile);
+    EndDialog(hwnd, 1);
+}
