@@ -31,3 +31,6 @@ demo: build
 
 clean:
 	rm -rf build
+
+bench: build
+	scripts/run-bench.sh
