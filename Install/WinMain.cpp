@@ -14,6 +14,7 @@
 #include "engine/RestartScript.h"
 #include "wizard/InstallDialog.h"
 #include "wizard/InstallWizard.h"
+#include "wizard/PlainPages.h"
 
 namespace {
 const char* const flagKey = "SOFTWARE\\Tavrin";
@@ -61,7 +62,7 @@ void normalMode(CRegistryKey& key, const CCommandLine& command)
         return;
     }
     CInstallWizard wizard(command.quiet);
-    // The pages join the wizard here as they are built; /T adds the analysis pages.
+    registerPages(wizard, command.troubleshooting);
     wizard.run();
 }
 }  // namespace

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "account/AccountDetails.h"
+
 // What the setup description holds. One CInstallFile per payload file; the
 // same record describes a copy found on the machine by the component search.
 struct CInstallFile {
@@ -56,8 +58,10 @@ public:
     std::vector<CInstallFile> foundFiles;
     std::vector<CDetectKill> detectKills;
     std::vector<CRegistryCheck> registryChecks;
+    // The account form, which is also the internet session: opened with the wizard.
+    ::AccountDetails AccountDetails;
     std::string title, company, copyright, panel, agreement, readme, destination;
-    int accountFlagA = 0;
-    int accountFlagB = 0;
+    int createAccount = 0;
+    int importRequested = 0;
     std::string regoServer, regoCommand = "Add", importServer, serverRoot;
 };

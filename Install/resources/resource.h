@@ -24,3 +24,31 @@
 #define IDB_EXTRACT              107
 #define IDC_EXTRACT_PROGRESS     1007
 #define IDC_EXTRACT_STATUS       1008
+
+// Wizard frame
+#define IDD_WIZARD               101
+#define IDC_WIZARD_PANEL         1002
+#define IDC_WIZARD_PAGE_AREA     1003
+#define IDC_WIZARD_LOGO          1028
+#define IDC_WIZARD_BACK          1000
+#define IDC_WIZARD_NEXT          1001
+#define IDC_WIZARD_HELP          1064
+#define IDC_HAND_CURSOR          134
+
+// Link control of the form pages
+#define IDC_FORM_LINK            1068
+
+// Welcome page
+#define IDD_PAGE_WELCOME         103
+// Agreement page
+#define IDD_PAGE_AGREEMENT       131
+#define IDC_AGREEMENT_TEXT       1027
+#define IDC_AGREEMENT_ACCEPT     1065
+#define IDC_AGREEMENT_REFUSE     1066
+// Destination page
+#define IDD_PAGE_DESTINATION     105
+#define IDC_DESTINATION_LABEL    1004
+#define IDC_DESTINATION_FOLDER   1005
+#define IDC_DESTINATION_BROWSE   1006
+// Ready page
+#define IDD_PAGE_READY           116

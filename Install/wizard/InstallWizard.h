@@ -1,18 +1,31 @@
 #pragma once
 #include <windows.h>
 
+#include <vector>
+
 #include "analysis/CabinetFile.h"
+#include "description/Branding.h"
 #include "description/InstallSettings.h"
 #include "wizard/InstallDialog.h"
 
-// The run and its frame window in one object. It owns everything of a run:
-// the cabinet, the extraction folder and the settings of the setup description.
+class CInstallPage;
+
+// The run and its frame window (dialog 101) in one object. It owns everything
+// of a run: the pages, the cabinet, the extraction folder and the settings.
+// The frame decides nothing about the order of pages: it asks the page on show.
 class CInstallWizard : public CInstallDialog {
 public:
     explicit CInstallWizard(bool quiet);
     virtual ~CInstallWizard();
     CInstallWizard(const CInstallWizard&) = delete;
     CInstallWizard& operator=(const CInstallWizard&) = delete;
+
+    INT_PTR dialogProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    INT_PTR onPaint(HWND window) override;
+    INT_PTR onCommand(int id, int notifyCode) override;
+    INT_PTR onInitDialog() override;
+    INT_PTR onMouseMove(unsigned x, unsigned y) override;
+    INT_PTR onLButtonDown(unsigned x, unsigned y, WPARAM keys) override;
 
     // The whole run: extraction, setup description, then the quiet pass or the
     // requirement checks and the frame. 0 when a stage refused (it has said why).
@@ -23,6 +36,17 @@ public:
     int loadSettings();
     void setDestination(const char* path);
 
+    bool addPage(int id, CInstallPage* page);
+    CInstallPage* findPage(int id);
+    void showPage(CInstallPage* page);
+    void gotoPage(int index, bool forward);
+    void nextPage();
+    void previousPage();
+    void refreshButtons();
+    void enableNext(bool enabled);
+    void enableBack(bool enabled);
+    void lockNavigation(bool locked);
+
     // Text macros (%TITLE%, %PROGRAMFILES%, %WINSYSDIR%), expanded in place.
     char* expandMacros(char* text, size_t size);
     int lookupMacro(const char* name, char* value, size_t capacity);
@@ -30,6 +54,9 @@ public:
     // Copies `source` into `buffer` (at most `size` bytes), then expands it.
     char* expandCopy(const char* source, char* buffer, size_t size);
 
+    CBranding branding;
+    std::vector<CInstallPage*> pages;
+    int currentPage = 0;
     CCabinetFile cabinet;
     char sourceFolder[MAX_PATH] = "";
     CInstallSettings settings;
@@ -39,5 +66,15 @@ public:
     int removeSourceOnExit = 1;
     int quiet;
     int askDestination = 1;
+    int linkHover = 0;
+    HBITMAP panelBitmap = nullptr;
+    HBITMAP brandBitmap = nullptr;
+    HPALETTE panelPalette = nullptr;
+    HPALETTE brandPalette = nullptr;
+    RECT linkRect = {0, 0, 0, 0};
     int copyReadmeOnFinish = 1;
+
+private:
+    bool hasLogo() const { return branding.present && branding.bitmapSize != 0; }
+    bool overControl(int id, unsigned x, unsigned y);
 };

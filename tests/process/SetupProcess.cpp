@@ -140,3 +140,11 @@ std::string answerBox(SetupProcess& process, const std::string& caption, int but
     uidriver::waitForWindowGone(gone, 5000);
     return text;
 }
+
+void cancelWizard(SetupProcess& process)
+{
+    HWND frame = process.window(wizardCaption);
+    ASSERT_TRUE(frame) << "no wizard frame";
+    uidriver::pressButton(frame, IDCANCEL);
+    answerBox(process, "Abort Install", IDYES);
+}

@@ -33,5 +33,9 @@ void writeFile(const std::string& path, const std::string& data);
 // The InstallInProcess flag under HKCU\SOFTWARE\Tavrin; "(none)" if missing.
 std::string readFlag();
 void writeFlag(const char* value);
+// The wizard's frame window: its caption holds the first file's version.
+const char* const wizardCaption = "TavRin Installation - 3. 1. 0. 12";
+// Cancel on the frame, Yes to "Abort Install": the run then ends in order.
+void cancelWizard(SetupProcess& process);
 // Presses `button` on the box with `caption` of `process` and returns its text.
 std::string answerBox(SetupProcess& process, const std::string& caption, int button = IDOK);

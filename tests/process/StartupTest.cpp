@@ -76,6 +76,7 @@ TEST(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
         // A run left the flag set and died: the next run tells of it, then goes on.
         SetupProcess setup("");
         EXPECT_EQ(answerBox(setup, "Error"), previousRunText);
+        cancelWizard(setup);
         EXPECT_EQ(setup.wait(), 0);
     }
     auto lines = logLines();
@@ -86,6 +87,7 @@ TEST(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
 
     // "/?x" selects nothing: a normal run, and no box this time.
     SetupProcess again("/?x");
+    cancelWizard(again);
     EXPECT_EQ(again.wait(), 0);
     EXPECT_FALSE(again.window("Error", 0));
     EXPECT_EQ(readFlag(), "0");
@@ -110,8 +112,9 @@ TEST(Startup, KilledRunKeepsTheFlagForTheNextRun)
 TEST(Startup, HostileCommandLinesEndInOrder)
 {
     writeFlag("0");
-    // 10,000 characters in one token, then a token far beyond 255 behind -restart.
-    SetupProcess longToken(std::string(10000, 'q') + "/t");
+    // 10,000 characters in one token: its head still says /Q, and the quiet run
+    // ends by itself; then a script path far beyond 255 behind -restart.
+    SetupProcess longToken("/Q" + std::string(10000, 't'));
     EXPECT_EQ(longToken.wait(), 0);
     EXPECT_EQ(logLines().back(), "Installation Complete");
 

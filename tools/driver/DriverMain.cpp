@@ -20,8 +20,10 @@ void printWindow(HWND window)
     std::string message = messageText(window);
     if (!message.empty()) std::printf("message: %s\n", message.c_str());
     for (const Control& control : listControls(window))
-        std::printf("control %d %s%s: %s\n", control.id, control.className.c_str(),
-                    control.visible ? "" : " (hidden)", control.text.c_str());
+        std::printf("control %d %s%s%s [%ld,%ld %ldx%ld]: %s\n", control.id, control.className.c_str(),
+                    control.visible ? "" : " (hidden)", control.enabled ? "" : " (disabled)",
+                    control.rect.left, control.rect.top, control.rect.right - control.rect.left,
+                    control.rect.bottom - control.rect.top, control.text.c_str());
 }
 
 bool isNumber(const char* text)

@@ -27,8 +27,10 @@ BOOL CALLBACK collectControl(HWND control, LPARAM parameter)
     auto* controls = reinterpret_cast<std::vector<Control>*>(parameter);
     char className[256] = "";
     GetClassNameA(control, className, sizeof className);
+    RECT rect = {0, 0, 0, 0};
+    GetWindowRect(control, &rect);
     controls->push_back({GetDlgCtrlID(control), className, windowText(control),
-                         IsWindowVisible(control) != FALSE, IsWindowEnabled(control) != FALSE});
+                         IsWindowVisible(control) != FALSE, IsWindowEnabled(control) != FALSE, rect});
     return TRUE;
 }
 

@@ -33,6 +33,7 @@ struct Control {
     std::string text;
     bool visible;
     bool enabled;
+    RECT rect;  // in screen coordinates
 };
 std::vector<Control> listControls(HWND dialog);
 

@@ -1,0 +1,939 @@
+#!/usr/bin/env python3
+"""The TavRin service as the setup program meets it: the account server (check
+and sign-up of a new account), the bookmark import server, and the few plain
+pages the program opens in the browser. Listens on 127.0.0.1 only.
+
+    python3 service/tavrin_service.py --port 0 --db /tmp/tavrin.db \
+        --port-file /tmp/tavrin.port [--test-mode] [--log FILE]
+
+With --test-mode the service also takes orders from tests under /__ (faults to
+inject, the stored account, the requests it saw); see README.md beside this file.
+"""
+
+import argparse
+import hashlib
+import html
+import json
+import os
+import re
+import secrets
+import signal
+import socket
+import sqlite3
+import struct
+import sys
+import threading
+import time
+from collections import deque
+from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+from urllib.parse import parse_qsl, quote, unquote_to_bytes, urlsplit
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import lists  # noqa: E402
+
+REGISTRATION_PATH = "/servlet/bookmarks.servlet.install.registrationServlet"
+IMPORT_PATH = "/servlet/bookmarks.servlet.install.ImportServlet"
+
+FORM_LIMIT = 64 * 1024           # the registration form
+IMPORT_LIMIT = 16 * 1024 * 1024  # one import of favorites
+OTHER_LIMIT = 64 * 1024          # any other request body
+
+# The keys of the account form, in the order in which the setup program writes them.
+FORM_KEYS = (
+    "Command", "CommandAction", "Email", "FirstName", "Gender", "LastName",
+    "Industry", "NewServices", "Occupation", "Password", "RepeatPassword",
+    "PasswordHint", "UserCode", "Zip", "Country", "AgeRange", "Phone",
+    "company_name", "number_of_employees", "company_type", "JobTitle",
+    "website", "MID", "TimeZone",
+)
+NUMBER_KEYS = ("Industry", "Occupation", "Country", "AgeRange", "number_of_employees")
+VALUE_LIMIT = 255  # the setup program reads every edit into 255 characters
+SIGNUP_COMMANDS = {"add": "Add", "addtrial": "AddTrial"}
+
+USER_NAME = re.compile(r"[A-Za-z0-9._-]{3,32}")
+EMAIL_FORBIDDEN = frozenset(" ,;/\\'\"")
+MACHINE_ID = re.compile(r"(MA[0-9a-f]{12}|VS-?[0-9]+)?")
+TIME_ZONES = frozenset(lists.TIME_ZONES.values()) | {lists.DEFAULT_TIME_ZONE}
+AGE_CODES = frozenset(code for _, code in lists.AGE_RANGES)
+GENDER_CODES = frozenset(code for _, code in lists.GENDERS)
+HEAD_COUNTS = frozenset(count for _, count in lists.EMPLOYEE_COUNTS)
+
+PBKDF2_ROUNDS = 200_000
+SALT_BYTES = 16
+
+TEXT_TYPE = "text/plain; charset=windows-1252"
+HTML_TYPE = "text/html; charset=utf-8"
+JSON_TYPE = "application/json"
+
+
+# ---------------------------------------------------------------------------
+# Text of the Windows ANSI code page. Every byte maps to one character and
+# back: the five bytes that windows-1252 leaves undefined keep their Latin-1
+# meaning, so nothing the program sends is lost or refused.
+
+_ANSI_UPPER = {}
+for _byte in range(0x80, 0xA0):
+    try:
+        _ANSI_UPPER[_byte] = bytes([_byte]).decode("cp1252")
+    except UnicodeDecodeError:
+        pass
+_ANSI_BACK = {ord(ch): byte for byte, ch in _ANSI_UPPER.items()}
+
+
+def ansi_text(data):
+    return data.decode("latin-1").translate(_ANSI_UPPER)
+
+
+def ansi_bytes(text):
+    return text.translate(_ANSI_BACK).encode("latin-1", errors="replace")
+
+
+class Reply:
+    def __init__(self, status, body=b"", content_type=TEXT_TYPE, headers=()):
+        self.status = status
+        self.body = ansi_bytes(body) if isinstance(body, str) else body
+        self.content_type = content_type
+        self.headers = list(headers)
+
+
+def complaint(status, lines):
+    """A refusal for a person to read: one complaint per CR LF ended line."""
+    return Reply(status, "".join(line + "\r\n" for line in lines))
+
+
+def json_reply(value, status=200):
+    return Reply(status, json.dumps(value, indent=1).encode("utf-8"), JSON_TYPE)
+
+
+def html_page(title, body_html, status=200):
+    page = ("<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>%s</title></head>\n"
+            "<body>\n<h1>%s</h1>\n%s\n</body></html>\n"
+            % (html.escape(title), html.escape(title), body_html))
+    return Reply(status, page.encode("utf-8"), HTML_TYPE)
+
+
+# ---------------------------------------------------------------------------
+# Storage
+
+SCHEMA = """
+CREATE TABLE IF NOT EXISTS accounts (
+    id INTEGER PRIMARY KEY,
+    user_name TEXT NOT NULL UNIQUE COLLATE NOCASE,
+    password_salt BLOB NOT NULL,
+    password_hash BLOB NOT NULL,
+    password_scheme TEXT NOT NULL,
+    password_hint TEXT, email TEXT, first_name TEXT, last_name TEXT,
+    gender TEXT, age_range INTEGER, zip TEXT, country INTEGER,
+    industry INTEGER, occupation INTEGER, new_services INTEGER,
+    phone TEXT, company_name TEXT, number_of_employees INTEGER,
+    company_type TEXT, job_title TEXT, website TEXT,
+    machine_id TEXT, time_zone TEXT, command TEXT,
+    created TEXT NOT NULL, client TEXT
+);
+CREATE TABLE IF NOT EXISTS passports (
+    token TEXT PRIMARY KEY,
+    account_id INTEGER NOT NULL REFERENCES accounts(id),
+    created TEXT NOT NULL
+);
+CREATE TABLE IF NOT EXISTS imports (
+    id INTEGER PRIMARY KEY,
+    account_id INTEGER NOT NULL REFERENCES accounts(id),
+    received TEXT NOT NULL, shortcuts INTEGER NOT NULL, client TEXT
+);
+CREATE TABLE IF NOT EXISTS favorites (
+    id INTEGER PRIMARY KEY,
+    account_id INTEGER NOT NULL REFERENCES accounts(id),
+    import_id INTEGER NOT NULL REFERENCES imports(id),
+    path TEXT NOT NULL, url TEXT NOT NULL,
+    UNIQUE (account_id, path, url)
+);
+"""
+
+# Form key -> column, for the fields stored as the form gave them.
+ACCOUNT_COLUMNS = (
+    ("PasswordHint", "password_hint"), ("Email", "email"),
+    ("FirstName", "first_name"), ("LastName", "last_name"), ("Gender", "gender"),
+    ("AgeRange", "age_range"), ("Zip", "zip"), ("Country", "country"),
+    ("Industry", "industry"), ("Occupation", "occupation"),
+    ("NewServices", "new_services"), ("Phone", "phone"),
+    ("company_name", "company_name"), ("number_of_employees", "number_of_employees"),
+    ("company_type", "company_type"), ("JobTitle", "job_title"),
+    ("website", "website"), ("MID", "machine_id"), ("TimeZone", "time_zone"),
+)
+
+
+class NameTaken(Exception):
+    pass
+
+
+def now_text():
+    return time.strftime("%Y-%m-%dT%H:%M:%S")
+
+
+def hash_password(password, salt):
+    return hashlib.pbkdf2_hmac("sha256", password, salt, PBKDF2_ROUNDS)
+
+
+class Store:
+    """The accounts, their passports and their favorites in one SQLite file.
+    One connection, used under a lock by all request threads."""
+
+    def __init__(self, path):
+        self.db = sqlite3.connect(path, check_same_thread=False)
+        self.db.row_factory = sqlite3.Row
+        self.lock = threading.Lock()
+        with self.lock, self.db:
+            self.db.execute("PRAGMA foreign_keys = ON")
+            self.db.executescript(SCHEMA)
+
+    def close(self):
+        with self.lock:
+            self.db.close()
+
+    def name_taken(self, user_name):
+        with self.lock:
+            row = self.db.execute("SELECT 1 FROM accounts WHERE user_name = ?",
+                                  (user_name,)).fetchone()
+        return row is not None
+
+    def create_account(self, user_name, password, values, command, client):
+        """Makes the account and its first passport; returns the passport."""
+        salt = secrets.token_bytes(SALT_BYTES)
+        digest = hash_password(password, salt)
+        token = secrets.token_hex(20)
+        columns = [column for _, column in ACCOUNT_COLUMNS]
+        names = ["user_name", "password_salt", "password_hash", "password_scheme",
+                 "command", "created", "client"] + columns
+        row = [user_name, salt, digest, "pbkdf2-sha256:%d" % PBKDF2_ROUNDS,
+               command, now_text(), client] + [values[key] for key, _ in ACCOUNT_COLUMNS]
+        sql = "INSERT INTO accounts (%s) VALUES (%s)" % (", ".join(names),
+                                                         ", ".join("?" * len(names)))
+        with self.lock:
+            try:
+                with self.db:
+                    account_id = self.db.execute(sql, row).lastrowid
+                    self.db.execute("INSERT INTO passports (token, account_id, created)"
+                                    " VALUES (?, ?, ?)", (token, account_id, now_text()))
+            except sqlite3.IntegrityError:
+                raise NameTaken(user_name) from None
+        return token
+
+    def account_of_passport(self, token):
+        with self.lock:
+            row = self.db.execute("SELECT account_id FROM passports WHERE token = ?",
+                                  (token,)).fetchone()
+        return row[0] if row else None
+
+    def account(self, user_name):
+        with self.lock:
+            return self.db.execute("SELECT * FROM accounts WHERE user_name = ?",
+                                   (user_name,)).fetchone()
+
+    def passports(self, account_id):
+        with self.lock:
+            rows = self.db.execute("SELECT token FROM passports WHERE account_id = ?"
+                                   " ORDER BY rowid", (account_id,)).fetchall()
+        return [row[0] for row in rows]
+
+    def store_import(self, account_id, shortcuts, client):
+        """Adds the shortcuts of one import; one already held is not doubled."""
+        with self.lock, self.db:
+            import_id = self.db.execute(
+                "INSERT INTO imports (account_id, received, shortcuts, client)"
+                " VALUES (?, ?, ?, ?)",
+                (account_id, now_text(), len(shortcuts), client)).lastrowid
+            self.db.executemany(
+                "INSERT OR IGNORE INTO favorites (account_id, import_id, path, url)"
+                " VALUES (?, ?, ?, ?)",
+                [(account_id, import_id, path, url) for path, url in shortcuts])
+
+    def favorites(self, account_id):
+        with self.lock:
+            rows = self.db.execute("SELECT path, url FROM favorites WHERE account_id = ?"
+                                   " ORDER BY id", (account_id,)).fetchall()
+        return [(row[0], row[1]) for row in rows]
+
+    def import_count(self, account_id):
+        with self.lock:
+            return self.db.execute("SELECT COUNT(*) FROM imports WHERE account_id = ?",
+                                   (account_id,)).fetchone()[0]
+
+
+# ---------------------------------------------------------------------------
+# The account form
+
+_BROKEN_TAIL = re.compile(rb"%[0-9A-Fa-f]?\Z")
+_BAD_ESCAPE = re.compile(rb"%(?![0-9A-Fa-f]{2})")
+
+
+def unescape(raw):
+    """Undoes the program's escaping: "+" is a blank, "%xx" a byte. The program
+    cuts a long value at a fixed length, also inside an escape, so a broken
+    escape at the very end of a value is dropped; one elsewhere is an error."""
+    raw = _BROKEN_TAIL.sub(b"", raw)
+    if _BAD_ESCAPE.search(raw):
+        raise ValueError("broken escape")
+    return unquote_to_bytes(raw.replace(b"+", b" "))
+
+
+def parse_form(body):
+    """Returns (values as bytes by key, complaints about the form's shape)."""
+    values, order, problems = {}, [], []
+    for number, piece in enumerate(body.split(b"&") if body else [], 1):
+        name, equals, raw = piece.partition(b"=")
+        key = ansi_text(name)
+        if not equals:
+            problems.append("Form part %d (%s) has no \"=\"" % (number, key[:40]))
+            continue
+        if key in values:
+            problems.append("The form carries the field %s twice" % key)
+            continue
+        try:
+            values[key] = unescape(raw)
+        except ValueError:
+            problems.append("The field %s holds a broken %%-escape" % key)
+            values[key] = b""
+        order.append(key)
+    missing = [key for key in FORM_KEYS if key not in values]
+    if missing:
+        problems.append("The form lacks the field%s %s"
+                        % ("s" if len(missing) > 1 else "", ", ".join(missing)))
+    for key in order:
+        if key not in FORM_KEYS:
+            problems.append("The form has an unknown field %s" % key[:40])
+    if not problems and tuple(order) != FORM_KEYS:
+        place = next(i for i, (got, want) in enumerate(zip(order, FORM_KEYS)) if got != want)
+        problems.append("The form's fields are out of order: field %d is %s, expected %s"
+                        % (place + 1, order[place], FORM_KEYS[place]))
+    return values, problems
+
+
+def email_plausible(email):
+    at = email.find("@")
+    if at <= 0 or at == len(email) - 1 or email[at + 1] == ".":
+        return False
+    if any(ch in EMAIL_FORBIDDEN for ch in email):
+        return False
+    point = email.find(".", at)
+    return point != -1 and point != len(email) - 1
+
+
+class AccountForm:
+    """One posted account form, decoded, with everything wrong about it."""
+
+    def __init__(self, raw, business, store):
+        self.raw = raw
+        self.business = business
+        self.text = {key: ansi_text(value) for key, value in raw.items()}
+        self.numbers = {}
+        self.complaints = []
+        self.name_taken = False
+        self._check(store)
+
+    def _say(self, line):
+        self.complaints.append(line)
+
+    def _number(self, key):
+        text = self.text[key]
+        if not re.fullmatch(r"-?[0-9]{1,9}", text):
+            self._say("%s must be a whole number, not \"%s\"" % (key, text[:40]))
+            return None
+        return int(text)
+
+    def _check(self, store):
+        t, say = self.text, self._say
+        for key in FORM_KEYS:
+            if len(self.raw[key]) > VALUE_LIMIT:
+                say("%s is longer than %d characters" % (key, VALUE_LIMIT))
+        for key in NUMBER_KEYS:
+            self.numbers[key] = self._number(key)
+        n = self.numbers
+
+        # The login details, in the order in which the program itself checks them.
+        name = t["UserCode"]
+        if not name:
+            say("Please provide a username for logging into your TavRin account")
+        elif not USER_NAME.fullmatch(name):
+            say("The username \"%s\" is not allowed: use 3 to 32 letters, digits,"
+                " points, underscores or hyphens" % name[:40])
+        elif store.name_taken(name):
+            self.name_taken = True
+            say("The username \"%s\" is already taken, please choose another" % name)
+        password, repeat = self.raw["Password"], self.raw["RepeatPassword"]
+        if not password:
+            say("Please provide a password for logging into your TavRin account")
+        if not repeat:
+            say("Please repeat your password for verification")
+        if not t["PasswordHint"]:
+            say("Please provide a hint for remembering your password")
+        if not t["Email"]:
+            say("Please provide an email address")
+        if repeat and password != repeat:
+            say("Your repeat password does not match your password")
+        if t["Email"] and not email_plausible(t["Email"]):
+            say("The email address entered is not valid, please try again")
+        if 0 < len(password) < 4:
+            say("Your password must be at least 4 characters")
+
+        # The details page of the form in use.
+        if self.business:
+            for key, what in (("FirstName", "enter your first name"),
+                              ("LastName", "enter your last name"),
+                              ("company_name", "enter your company name"),
+                              ("JobTitle", "enter your title"),
+                              ("company_type", "select your company type")):
+                if not t[key]:
+                    say("Please " + what)
+            if n["number_of_employees"] == 0:
+                say("Please select employee count")
+            if not t["website"]:
+                say("Please enter your website")
+            if n["Country"] == 0:
+                say("Please select your country")
+            if not t["Phone"]:
+                say("Please enter your phone number")
+            if len(t["Zip"]) < 2:
+                say("Please type in your zip code")
+        else:
+            if not t["Gender"]:
+                say("Please select your gender")
+            if n["AgeRange"] == 0:
+                say("Please select your age range")
+            if len(t["Zip"]) < 2:
+                say("Please type in your zip code")
+            if n["Country"] == 0:
+                say("Please select your country")
+
+        # Values that must come from the rows of the lists.
+        for key, rows in (("Country", lists.COUNTRIES), ("Industry", lists.INDUSTRIES),
+                          ("Occupation", lists.OCCUPATIONS)):
+            if n[key] is not None and not 0 <= n[key] < len(rows):
+                say("%s %d is not a row of the %s list (0 to %d)"
+                    % (key, n[key], key.lower(), len(rows) - 1))
+        if n["AgeRange"] is not None and n["AgeRange"] not in AGE_CODES:
+            say("AgeRange %d is not one of the age range codes" % n["AgeRange"])
+        if n["number_of_employees"] is not None and n["number_of_employees"] not in HEAD_COUNTS:
+            say("number_of_employees %d is not one of the head counts"
+                % n["number_of_employees"])
+        if t["Gender"] not in GENDER_CODES:
+            say("Gender must be M, F or empty, not \"%s\"" % t["Gender"][:40])
+        if t["company_type"] and t["company_type"] not in lists.COMPANY_TYPES[1:]:
+            say("\"%s\" is not a company type of the list" % t["company_type"][:60])
+        if t["NewServices"] not in ("Y", "N"):
+            say("NewServices must be Y or N")
+        if not MACHINE_ID.fullmatch(t["MID"]):
+            say("The machine identity \"%s\" is in no known form" % t["MID"][:40])
+        if t["TimeZone"] and t["TimeZone"] not in TIME_ZONES:
+            say("\"%s\" is not a known time zone" % t["TimeZone"][:40])
+
+    def stored_values(self):
+        values = {key: self.text[key] for key, _ in ACCOUNT_COLUMNS}
+        values.update(self.numbers)
+        values["NewServices"] = 1 if self.text["NewServices"] == "Y" else 0
+        return values
+
+
+def registration(service, body, content_type, client):
+    if not content_type.lower().startswith("application/x-www-form-urlencoded"):
+        return complaint(415, ["The account form must be sent as "
+                               "application/x-www-form-urlencoded"])
+    raw, problems = parse_form(body)
+    if problems:
+        return complaint(400, problems)
+    command = ansi_text(raw["Command"])
+    action = ansi_text(raw["CommandAction"])
+    if command.lower() == "cu":
+        if action.lower() not in SIGNUP_COMMANDS:
+            return complaint(400, ["CommandAction \"%s\" is not a sign-up command"
+                                   " (Add or AddTrial)" % action[:40]])
+        signup = None
+        business = action.lower() == "addtrial"
+    elif command.lower() in SIGNUP_COMMANDS:
+        # The check and the sign-up carry the same CommandAction, and the
+        # sign-up's Command is that same word.
+        if action.lower() != command.lower():
+            return complaint(400, ["CommandAction \"%s\" does not match Command \"%s\""
+                                   % (action[:40], command)])
+        signup = SIGNUP_COMMANDS[command.lower()]
+        business = signup == "AddTrial"
+    else:
+        return complaint(400, ["Unknown command \"%s\": expected cu, Add or AddTrial"
+                               % command[:40]])
+
+    form = AccountForm(raw, business, service.store)
+    if form.complaints:
+        return complaint(409 if form.name_taken else 400, form.complaints)
+    if signup is None:
+        return Reply(200)
+    name = form.text["UserCode"]
+    try:
+        token = service.store.create_account(name, raw["Password"], form.stored_values(),
+                                             signup, client)
+    except NameTaken:
+        return complaint(409, ["The username \"%s\" is already taken, please choose another"
+                               % name])
+    return Reply(200, headers=[
+        ("Set-Cookie", "passport=%s; path=/" % token),
+        ("Set-Cookie", "RegistrationInfo=%s; path=/" % quote(name, safe="")),
+    ])
+
+
+# ---------------------------------------------------------------------------
+# The import of favorites
+
+_URL_START = re.compile(rb"[A-Za-z][A-Za-z0-9+.-]*:")
+
+
+def split_shortcut(line):
+    """Splits "path 0xFF URL". A path may itself hold the byte 0xFF (the letter
+    y with diaeresis), so the separator is the first 0xFF behind which a URL
+    scheme or nothing follows; failing that, the first 0xFF."""
+    first = line.find(b"\xff")
+    if first < 0:
+        return None
+    at = first
+    while at >= 0:
+        rest = line[at + 1:]
+        if not rest or _URL_START.match(rest):
+            return line[:at], rest
+        at = line.find(b"\xff", at + 1)
+    return line[:first], line[first + 1:]
+
+
+def import_favorites(service, body, client):
+    if not body:
+        return complaint(401, ["The import carries no passport: sign up first"])
+    lines = body.split(b"\r\n")
+    unended = lines.pop()  # b"" when the body ends in CR LF
+    first = lines[0] if lines else unended
+    if not first.startswith(b"passport="):
+        return complaint(401, ["The import carries no passport: its first line must be"
+                               " passport=<value>"])
+    account_id = service.store.account_of_passport(ansi_text(first[len(b"passport="):]))
+    if account_id is None:
+        return complaint(401, ["The passport of this import is unknown: sign up again"])
+
+    problems, shortcuts = [], []
+    for number, line in enumerate(lines[1:], 2):
+        if not line:
+            problems.append("Line %d is empty: expected a path, the byte 0xFF and a URL"
+                            % number)
+        elif b"\r" in line or b"\n" in line:
+            problems.append("Line %d holds a lone CR or LF byte" % number)
+        else:
+            parts = split_shortcut(line)
+            if parts is None:
+                problems.append("Line %d has no 0xFF byte between path and URL" % number)
+            else:
+                shortcuts.append((ansi_text(parts[0]), ansi_text(parts[1])))
+    if unended:
+        problems.append("Line %d does not end with CR LF" % (len(lines) + 1))
+    if problems:
+        if len(problems) > 20:
+            problems[20:] = ["... and %d more bad lines" % (len(problems) - 20)]
+        return complaint(400, problems)
+    service.store.store_import(account_id, shortcuts, client)
+    return Reply(200)
+
+
+def favorites_tree(favorites):
+    """Nested <ul> by folder: in each folder its shortcuts, then its folders."""
+    root = ({}, [])
+    for path, url in favorites:
+        parts = path.split("\\")
+        if parts[0] == "" and len(parts) > 1:
+            parts = parts[1:]
+        node = root
+        for folder in parts[:-1]:
+            node = node[0].setdefault(folder, ({}, []))
+        node[1].append((parts[-1], url))
+
+    def render(node, depth):
+        pad = "  " * depth
+        out = [pad + "<ul>"]
+        for name, url in node[1]:
+            label = html.escape(name or "(no name)")
+            if re.match(r"(?i)(https?|ftp)://", url):
+                out.append('%s  <li><a href="%s">%s</a></li>' % (pad, html.escape(url), label))
+            else:
+                out.append("%s  <li>%s <code>%s</code></li>" % (pad, label, html.escape(url)))
+        for folder, child in node[0].items():
+            out.append('%s  <li class="folder">%s' % (pad, html.escape(folder or "(no name)")))
+            out.append(render(child, depth + 2))
+            out.append(pad + "  </li>")
+        out.append(pad + "</ul>")
+        return "\n".join(out)
+
+    return render(root, 0)
+
+
+# ---------------------------------------------------------------------------
+# Test mode: faults, and what the service stored and saw
+
+class Fault:
+    def __init__(self, fields):
+        def number(key, default, low, high):
+            text = fields.get(key, "")
+            if text == "":
+                return default
+            if not re.fullmatch(r"[0-9]+", text) or not low <= int(text) <= high:
+                raise ValueError("%s must be a number from %d to %d" % (key, low, high))
+            return int(text)
+
+        self.path = fields.get("path", "")
+        self.method = fields.get("method", "").upper()
+        self.status = number("status", None, 200, 599)
+        self.body = fields.get("body", "").encode("latin-1")
+        self.content_type = fields.get("content_type") or TEXT_TYPE
+        self.delay_ms = number("delay_ms", 0, 0, 600_000)
+        self.reset = fields.get("reset", "") in ("1", "true", "yes")
+        self.count = number("count", 1, 0, 1_000_000)  # 0: until cleared
+        if self.status is None and not self.reset and not self.delay_ms:
+            raise ValueError("a fault needs status, reset or delay_ms")
+
+    def describe(self):
+        return {"path": self.path, "method": self.method, "status": self.status,
+                "body": self.body.decode("latin-1"), "content_type": self.content_type,
+                "delay_ms": self.delay_ms, "reset": self.reset, "count": self.count}
+
+
+class Service:
+    def __init__(self, store, test_mode=False, log=None):
+        self.store = store
+        self.test_mode = test_mode
+        self.log_file = log or sys.stderr
+        self.log_lock = threading.Lock()
+        self.faults = []
+        self.faults_lock = threading.Lock()
+        self.requests = deque(maxlen=500)
+
+    def log(self, text):
+        with self.log_lock:
+            self.log_file.write("%s %s\n" % (now_text(), text))
+            self.log_file.flush()
+
+    def add_fault(self, fault):
+        with self.faults_lock:
+            self.faults.append(fault)
+
+    def clear_faults(self):
+        with self.faults_lock:
+            count = len(self.faults)
+            self.faults.clear()
+        return count
+
+    def take_fault(self, method, path):
+        with self.faults_lock:
+            for fault in self.faults:
+                if path.startswith(fault.path) and fault.method in ("", method):
+                    if fault.count == 1:
+                        self.faults.remove(fault)
+                    elif fault.count > 1:
+                        fault.count -= 1
+                    return fault
+        return None
+
+    def account_report(self, user_name):
+        row = self.store.account(user_name)
+        if row is None:
+            return None
+        report = {key: row[key] for key in row.keys()
+                  if key not in ("password_hash", "password_salt")}
+        report["password_is_hashed"] = len(row["password_hash"]) == hashlib.sha256().digest_size
+        report["salt_length"] = len(row["password_salt"])
+        report["passports"] = self.store.passports(row["id"])
+        report["imports"] = self.store.import_count(row["id"])
+        report["favorites"] = [{"path": path, "url": url}
+                               for path, url in self.store.favorites(row["id"])]
+        return report
+
+
+# ---------------------------------------------------------------------------
+# HTTP
+
+WELCOME = """<p>Your TavRin Personal side bar is installed. Open Internet Explorer's
+side bar to reach your bookmarks from any machine.</p>
+<p><a href="/UserInfo">Your account details</a> &middot;
+<a href="/CustomerSupport">Customer support</a></p>"""
+
+SUPPORT = """<p>Write to support@tavrin.example with your user name and the file
+TavRinInstall.log from your Windows folder; it tells us what the setup did.</p>"""
+
+
+def cookies_of(header):
+    found = {}
+    for piece in (header or "").split(";"):
+        name, _, value = piece.strip().partition("=")
+        if name:
+            found.setdefault(name, value)
+    return found
+
+
+class Handler(BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def version_string(self):
+        return "TavRin/1.0"
+    timeout = 60  # an idle kept-alive connection is closed after this
+
+    @property
+    def service(self):
+        return self.server.service
+
+    def log_request(self, code="-", size="-"):
+        pass  # one line per request is written by _send
+
+    def log_message(self, format, *args):
+        self.service.log("%s %s" % (self.client_address[0], format % args))
+
+    def send_error(self, code, message=None, explain=None):
+        self.close_connection = True
+        text = message or self.responses.get(code, ("Error",))[0]
+        self._send(complaint(code, ["%d %s" % (code, text)]))
+
+    def do_GET(self):
+        self._serve()
+
+    def do_POST(self):
+        self._serve()
+
+    def _send(self, reply):
+        self.send_response(reply.status)
+        self.send_header("Content-Type", reply.content_type)
+        self.send_header("Content-Length", str(len(reply.body)))
+        for name, value in reply.headers:
+            self.send_header(name, value)
+        if self.close_connection:
+            self.send_header("Connection", "close")
+        self.end_headers()
+        self.wfile.write(reply.body)
+        self._log(reply.status, len(reply.body))
+        self._drop_unread()
+
+    def _drop_unread(self):
+        """After refusing a body that is too large: a body up to a few times the
+        limit is read and dropped, so that a sender still writing gets to read
+        the answer instead of a reset connection."""
+        left, self._unread = getattr(self, "_unread", 0), 0
+        try:
+            self.connection.settimeout(5)
+            while left > 0:
+                chunk = self.rfile.read1(min(left, 65536))
+                if not chunk:
+                    break
+                left -= len(chunk)
+        except OSError:
+            pass
+
+    def _log(self, status, size):
+        self.service.log("%s %s %s %s %s:%d" % (
+            getattr(self, "command", None) or "-", getattr(self, "path", None) or "-",
+            status, size, self.client_address[0], self.client_address[1]))
+
+    def _read_body(self, limit):
+        """The body, or a Reply that refuses it."""
+        if self.headers.get("Transfer-Encoding"):
+            self.close_connection = True
+            return complaint(411, ["Send the body with a Content-Length"])
+        length = self.headers.get("Content-Length", "0").strip()
+        if not re.fullmatch(r"[0-9]{1,12}", length):
+            self.close_connection = True
+            return complaint(400, ["Bad Content-Length \"%s\"" % length[:40]])
+        declared = length = int(length)
+        if length > limit:
+            self.close_connection = True
+            self._unread = length if length <= 4 * limit else 0
+            return complaint(413, ["The request body of %s bytes is over the limit of %d"
+                                   " bytes for %s" % (declared, limit, self._route)])
+        body = self.rfile.read(length)
+        if len(body) < length:
+            self.close_connection = True
+            return None
+        return body
+
+    def _serve(self):
+        url = urlsplit(self.path)
+        self._route = url.path
+        control = self.service.test_mode and url.path.startswith("/__")
+        limit = {REGISTRATION_PATH: FORM_LIMIT, IMPORT_PATH: IMPORT_LIMIT}.get(url.path,
+                                                                             OTHER_LIMIT)
+        body = self._read_body(limit)
+        if body is None:  # the client went away in the middle of its body
+            self._log("-", 0)
+            return
+        seen = None
+        if not control:
+            seen = {"method": self.command, "path": url.path, "query": url.query,
+                    "headers": [[name, value] for name, value in self.headers.items()],
+                    "body": body.decode("latin-1") if isinstance(body, bytes) else None,
+                    "client": "%s:%d" % self.client_address, "status": None}
+            self.service.requests.append(seen)
+        if isinstance(body, Reply):
+            if seen is not None:
+                seen["status"] = body.status
+            return self._send(body)
+
+        fault = None if control or not self.service.test_mode else \
+            self.service.take_fault(self.command, url.path)
+        if fault and fault.delay_ms:
+            time.sleep(fault.delay_ms / 1000)
+        if fault and fault.reset:
+            seen["status"] = "reset"
+            self._reset()
+            return
+        if fault and fault.status is not None:
+            reply = Reply(fault.status, fault.body, fault.content_type)
+        elif control:
+            reply = self._control(url, body)
+        else:
+            try:
+                reply = self._route_request(url, body)
+            except Exception as error:  # a fault of the service itself
+                self.service.log("error on %s: %r" % (url.path, error))
+                reply = complaint(500, ["The TavRin service failed on this request"])
+        if seen is not None:
+            seen["status"] = reply.status
+        self._send(reply)
+
+    def _reset(self):
+        """Drops the connection without an answer, with a TCP reset."""
+        self.close_connection = True
+        self.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        self.connection.close()
+        self._log("reset", 0)
+
+    def _wrong_method(self, allowed):
+        return Reply(405, "Use %s on this path\r\n" % allowed, headers=[("Allow", allowed)])
+
+    def _route_request(self, url, body):
+        path, method = url.path, self.command
+        client = self.client_address[0]
+        if path in (REGISTRATION_PATH, IMPORT_PATH):
+            if method != "POST":
+                return self._wrong_method("POST")
+            if path == REGISTRATION_PATH:
+                return registration(self.service, body,
+                                    self.headers.get("Content-Type", ""), client)
+            return import_favorites(self.service, body, client)
+        pages = {"/welcome": self._welcome, "/CustomerSupport": self._support,
+                 "/UserInfo": self._user_info, "/favorites": self._favorites}
+        if path in pages:
+            if method != "GET":
+                return self._wrong_method("GET")
+            return pages[path](url)
+        return Reply(404, "Not found: %s\r\n" % path[:200])
+
+    def _welcome(self, url):
+        return html_page("Welcome to TavRin Personal", WELCOME)
+
+    def _support(self, url):
+        return html_page("TavRin Customer Support", SUPPORT)
+
+    def _user_info(self, url):
+        token = cookies_of(self.headers.get("Cookie")).get("passport", "")
+        account_id = self.service.store.account_of_passport(token) if token else None
+        if account_id is None:
+            return html_page("Your TavRin Account",
+                             "<p>Sign in from the TavRin side bar to see your details.</p>")
+        with self.service.store.lock:
+            row = self.service.store.db.execute(
+                "SELECT user_name, email, zip FROM accounts WHERE id = ?",
+                (account_id,)).fetchone()
+        items = "".join("<dt>%s</dt><dd>%s</dd>" % (label, html.escape(row[key] or ""))
+                        for label, key in (("Username", "user_name"), ("Email", "email"),
+                                           ("Zip Code", "zip")))
+        link = '<p><a href="/favorites?user=%s">Your favorites</a></p>' % quote(row["user_name"])
+        return html_page("Your TavRin Account", "<dl>%s</dl>\n%s" % (items, link))
+
+    def _favorites(self, url):
+        user = dict(parse_qsl(url.query)).get("user", "")
+        if not user:
+            return Reply(400, "Name the account: /favorites?user=NAME\r\n")
+        row = self.service.store.account(user)
+        if row is None:
+            return Reply(404, "No account is named \"%s\"\r\n" % user[:40])
+        favorites = self.service.store.favorites(row["id"])
+        tree = favorites_tree(favorites) if favorites else "<p>No favorites imported yet.</p>"
+        return html_page("Favorites of %s" % row["user_name"], tree)
+
+    def _control(self, url, body):
+        path, method = url.path, self.command
+        query = dict(parse_qsl(url.query))
+        if path == "/__fault" and method == "POST":
+            # Read as Latin-1 so that the fault's body goes out byte for byte as posted.
+            form = dict(parse_qsl(body.decode("latin-1"), keep_blank_values=True,
+                                  encoding="latin-1"))
+            try:
+                fault = Fault(form)
+            except ValueError as error:
+                return Reply(400, "%s\r\n" % error)
+            self.service.add_fault(fault)
+            return json_reply(fault.describe())
+        if path == "/__clear" and method == "POST":
+            return json_reply({"cleared": self.service.clear_faults()})
+        if path == "/__account" and method == "GET":
+            report = self.service.account_report(query.get("user", ""))
+            if report is None:
+                return json_reply({"error": "no such account"}, 404)
+            return json_reply(report)
+        if path == "/__requests" and method == "GET":
+            last = query.get("last", "10")
+            if not last.isdigit():
+                return Reply(400, "last must be a number\r\n")
+            seen = list(self.service.requests)
+            return json_reply(seen[-int(last):] if int(last) else [])
+        return Reply(404, "Not found: %s\r\n" % path[:200])
+
+
+class Server(ThreadingHTTPServer):
+    daemon_threads = True
+
+    def __init__(self, port, service):
+        self.service = service
+        super().__init__(("127.0.0.1", port), Handler)
+
+
+def make_server(db_path, port=0, test_mode=False, log=None):
+    return Server(port, Service(Store(db_path), test_mode, log))
+
+
+def main(argv=None):
+    parser = argparse.ArgumentParser(description="The TavRin account and import service,"
+                                     " on 127.0.0.1.")
+    parser.add_argument("--port", type=int, required=True, help="port, 0 for a free one")
+    parser.add_argument("--db", required=True, help="SQLite file of the accounts")
+    parser.add_argument("--port-file", help="written with the port once listening")
+    parser.add_argument("--test-mode", action="store_true",
+                        help="take fault orders and answer questions under /__")
+    parser.add_argument("--log", help="request log file (default: standard error)")
+    args = parser.parse_args(argv)
+
+    log = open(args.log, "a", encoding="utf-8") if args.log else sys.stderr
+    server = make_server(args.db, args.port, args.test_mode, log)
+    port = server.server_address[1]
+    server.service.log("listening on 127.0.0.1:%d%s"
+                       % (port, " in test mode" if args.test_mode else ""))
+    if args.port_file:
+        # Written whole under another name first, so a reader never sees half of it.
+        partial = args.port_file + ".part"
+        with open(partial, "w") as out:
+            out.write("%d\n" % port)
+        os.replace(partial, args.port_file)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
+    try:
+        server.serve_forever()
+    except KeyboardInterrupt:
+        pass
+    finally:
+        server.server_close()
+        server.service.store.close()
+        server.service.log("stopped")
+        if args.port_file:
+            try:
+                os.remove(args.port_file)
+            except OSError:
+                pass
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,302 @@
+"""The TavRin service spoken to over HTTP as the setup program speaks to it."""
+
+import http.client
+import io
+import json
+import os
+import sqlite3
+import sys
+import tempfile
+import threading
+import unittest
+from urllib.parse import quote
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+import tavrin_service as ts  # noqa: E402
+
+FORM_TYPE = "application/x-www-form-urlencoded"
+ESCAPED = set(b'<>"#%{}|\\^~[]`&?')
+
+
+def escape(value):
+    """The setup program's escaping: blank to "+", "%xx" in lower case."""
+    out = []
+    for byte in value:
+        if byte == 0x20:
+            out.append("+")
+        elif byte < 0x20 or byte >= 0x7F or byte in ESCAPED:
+            out.append("%%%02x" % byte)
+        else:
+            out.append(chr(byte))
+    return "".join(out)
+
+
+def form(**changes):
+    values = dict.fromkeys(ts.FORM_KEYS, b"")
+    values.update(Command=b"cu", CommandAction=b"Add", Email=b"ann@mail.example",
+                  Gender=b"F", Industry=b"4", NewServices=b"Y", Occupation=b"16",
+                  Password=b"s3cr&t%\xe9", RepeatPassword=b"s3cr&t%\xe9",
+                  PasswordHint=b"the usual", UserCode=b"ann", Zip=b"90210",
+                  Country=b"238", AgeRange=b"68", number_of_employees=b"0",
+                  MID=b"VS-1234", TimeZone=b"GMT")
+    values.update({key: value.encode("latin-1") if isinstance(value, str) else value
+                   for key, value in changes.items()})
+    return "&".join(key + "=" + escape(values[key]) for key in ts.FORM_KEYS).encode("ascii")
+
+
+class ServiceTest(unittest.TestCase):
+    test_mode = True
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.db = os.path.join(cls.folder.name, "tavrin.db")
+        cls.server = ts.make_server(cls.db, 0, cls.test_mode, io.StringIO())
+        cls.port = cls.server.server_address[1]
+        threading.Thread(target=cls.server.serve_forever, daemon=True).start()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.server.shutdown()
+        cls.server.server_close()
+        cls.server.service.store.close()
+        cls.folder.cleanup()
+
+    def request(self, method, path, body=None, content_type=FORM_TYPE):
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=30)
+        try:
+            headers = {"Content-Type": content_type} if body is not None else {}
+            connection.request(method, path, body, headers)
+            reply = connection.getresponse()
+            return reply.status, reply.getheaders(), reply.read()
+        finally:
+            connection.close()
+
+    def register(self, body):
+        return self.request("POST", ts.REGISTRATION_PATH, body)
+
+    def import_(self, body):
+        return self.request("POST", ts.IMPORT_PATH, body)
+
+    def account(self, user):
+        status, _, body = self.request("GET", "/__account?user=" + quote(user))
+        return json.loads(body) if status == 200 else None
+
+    def sign_up(self, user):
+        status, headers, _ = self.register(form(Command="Add", UserCode=user))
+        self.assertEqual(status, 200)
+        return [value for name, value in headers if name == "Set-Cookie"]
+
+    def assertRefusal(self, reply, status, text):
+        self.assertEqual(reply[0], status)
+        body = reply[2].decode("cp1252")
+        self.assertIn(text, body)
+        self.assertTrue(body.endswith("\r\n"))
+
+
+class AccountTest(ServiceTest):
+    def test_check_then_sign_up(self):
+        self.assertEqual(self.register(form(UserCode="carol"))[::2], (200, b""))
+        self.assertIsNone(self.account("carol"), "the check must not create the account")
+        cookies = self.sign_up("carol")
+        passport = cookies[0].split(";")[0].split("=", 1)[1]
+        self.assertEqual(cookies, ["passport=%s; path=/" % passport,
+                                   "RegistrationInfo=carol; path=/"])
+        stored = self.account("CAROL")
+        self.assertEqual((stored["user_name"], stored["email"], stored["country"],
+                          stored["age_range"], stored["new_services"], stored["command"]),
+                         ("carol", "ann@mail.example", 238, 68, 1, "Add"))
+        self.assertEqual(stored["passports"], [passport])
+        self.assertTrue(stored["password_is_hashed"])
+        self.assertEqual(stored["salt_length"], 16)
+
+    def test_password_stored_only_as_salted_hash(self):
+        self.sign_up("dave")
+        with sqlite3.connect(self.db) as db:
+            salt, digest = db.execute("SELECT password_salt, password_hash FROM accounts"
+                                      " WHERE user_name = 'dave'").fetchone()
+        self.assertEqual(digest, ts.hash_password(b"s3cr&t%\xe9", salt))
+        for name in os.listdir(self.folder.name):
+            with open(os.path.join(self.folder.name, name), "rb") as data:
+                self.assertNotIn(b"s3cr&t", data.read())
+
+    def test_business_sign_up(self):
+        business = dict(Command="AddTrial", CommandAction="AddTrial", UserCode="acme.co",
+                        FirstName="Ann", LastName="Lee", company_name="Acme",
+                        JobTitle="Boss", company_type="Home (Personal Use)",
+                        number_of_employees="2000", website="www.acme.example",
+                        Phone="555 0100", Gender="", AgeRange="0")
+        self.assertEqual(self.register(form(**business))[0], 200)
+        stored = self.account("acme.co")
+        self.assertEqual((stored["company_type"], stored["number_of_employees"]),
+                         ("Home (Personal Use)", 2000))
+
+    def test_taken_name_refused(self):
+        self.sign_up("erin")
+        for command in ("cu", "Add"):
+            self.assertRefusal(self.register(form(Command=command, UserCode="Erin")),
+                               409, 'The username "Erin" is already taken')
+
+    def test_refusals(self):
+        # Each case is refused at the check and, with the same details, at the sign-up.
+        cases = [
+            (dict(Password="abc", RepeatPassword="abc"), "at least 4 characters"),
+            (dict(RepeatPassword="other"), "does not match"),
+            (dict(Email="ann@.example"), "email address entered is not valid"),
+            (dict(Email="ann.b@example"), "email address entered is not valid"),
+            (dict(Email="ann@mail."), "email address entered is not valid"),
+            (dict(UserCode="an"), "is not allowed"),
+            (dict(UserCode="ann smith"), "is not allowed"),
+            (dict(Country="239"), "Country 239 is not a row"),
+            (dict(Industry="17"), "Industry 17 is not a row"),
+            (dict(Occupation="-1"), "Occupation -1 is not a row"),
+            (dict(AgeRange="20"), "not one of the age range codes"),
+            (dict(MID="MA00AABBCCDDEE"), "machine identity"),
+            (dict(Gender="", AgeRange="0", Zip="9", Country="0"),
+             "Please select your gender\r\nPlease select your age range\r\n"
+             "Please type in your zip code\r\nPlease select your country\r\n"),
+            (dict(CommandAction="AddTrial", FirstName="Ann"), "Please enter your last name"),
+        ]
+        for changes, text in cases:
+            for command in ("cu", changes.get("CommandAction", "Add")):
+                with self.subTest(changes, command=command):
+                    self.assertRefusal(self.register(form(Command=command, **changes)),
+                                       400, text)
+        for changes, text in ((dict(Command="delete"), 'Unknown command "delete"'),
+                              (dict(CommandAction="x"), "not a sign-up command"),
+                              (dict(Command="AddTrial"), "does not match Command")):
+            with self.subTest(changes):
+                self.assertRefusal(self.register(form(**changes)), 400, text)
+        self.assertIsNone(self.account("ann"))
+
+    def test_malformed_forms(self):
+        good = form().decode("ascii")
+        fields = good.split("&")
+        cases = [
+            (good.replace("&Zip=90210", ""), "lacks the field Zip"),
+            (good.replace("Email=", "Emial="), "unknown field Emial"),
+            (good + "&Zip=1", "carries the field Zip twice"),
+            ("&".join([fields[1], fields[0]] + fields[2:]), "out of order"),
+            (good.replace("Zip=90210", "Zip=90%2g10"), "broken %-escape"),
+        ]
+        for body, text in cases:
+            with self.subTest(text):
+                self.assertRefusal(self.register(body.encode("ascii")), 400, text)
+        # The program cuts a long value inside an escape: the broken tail is dropped.
+        self.register(form(Command="Add", UserCode="ivy").replace(b"the+usual", b"the+usual%e"))
+        self.assertEqual(self.account("ivy")["password_hint"], "the usual")
+
+    def test_no_proxy_statuses_for_bad_requests(self):
+        replies = [self.request("GET", ts.REGISTRATION_PATH),
+                   self.request("POST", "/welcome", b""),
+                   self.request("GET", "/no/such/page"),
+                   self.request("POST", ts.REGISTRATION_PATH, form(), "text/plain"),
+                   self.request("GET", "/favorites?user=nobody")]
+        self.assertEqual([reply[0] for reply in replies], [405, 405, 404, 415, 404])
+
+
+class ImportTest(ServiceTest):
+    def passport_line(self, user):
+        return self.sign_up(user)[0].split(";")[0].encode("ascii") + b"\r\n"
+
+    def test_import_with_odd_paths(self):
+        body = (self.passport_line("fay")
+                + b"\\Links\\News\xffhttp://news.example/\r\n"
+                + b"\\a\\b\\c\\d\\Deep \x80 \xe9\xffhttp://deep.example/\r\n"
+                + b"\\Caf\xe9\\\xff\xffhttp://y.example/?a=1&b=2\r\n"
+                + b"\\No URL\xff\r\n"
+                + b"\xffhttp://root.example/\r\n")
+        self.assertEqual(self.import_(body)[::2], (200, b""))
+        self.assertEqual(self.import_(body)[0], 200)  # a repeat adds nothing
+        self.assertEqual(self.account("fay")["favorites"], [
+            {"path": "\\Links\\News", "url": "http://news.example/"},
+            {"path": "\\a\\b\\c\\d\\Deep \u20ac \u00e9", "url": "http://deep.example/"},
+            {"path": "\\Caf\u00e9\\\u00ff", "url": "http://y.example/?a=1&b=2"},
+            {"path": "\\No URL", "url": ""},
+            {"path": "", "url": "http://root.example/"},
+        ])
+        page = self.request("GET", "/favorites?user=fay")[2].decode("utf-8")
+        self.assertIn('<li class="folder">d\n', page)
+        self.assertIn('<a href="http://y.example/?a=1&amp;b=2">\u00ff</a>', page)
+
+    def test_passport_required(self):
+        for body, text in ((b"", "carries no passport"),
+                           (b"\\News\xffhttp://x.example/\r\n", "carries no passport"),
+                           (b"passportX=abc\r\n", "carries no passport"),
+                           (b"passport=feedface\r\n", "passport of this import is unknown")):
+            with self.subTest(body):
+                self.assertRefusal(self.import_(body), 401, text)
+
+    def test_malformed_lines_named_and_nothing_stored(self):
+        body = (self.passport_line("gus") + b"\\Good\xffhttp://g.example/\r\n"
+                + b"\\No separator\r\n\r\n\\Lone\nLF\xffhttp://x/\r\n\\Tail\xffhttp://t/")
+        self.assertRefusal(self.import_(body), 400,
+                           "Line 3 has no 0xFF byte between path and URL\r\n"
+                           "Line 4 is empty: expected a path, the byte 0xFF and a URL\r\n"
+                           "Line 5 holds a lone CR or LF byte\r\n"
+                           "Line 6 does not end with CR LF\r\n")
+        self.assertEqual(self.account("gus")["favorites"], [])
+
+
+class LimitAndFaultTest(ServiceTest):
+    def announce_only(self, path, length):
+        """Sends the headers of a POST with a body it never sends."""
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=30)
+        try:
+            connection.putrequest("POST", path)
+            connection.putheader("Content-Type", FORM_TYPE)
+            connection.putheader("Content-Length", str(length))
+            connection.endheaders()
+            reply = connection.getresponse()
+            return reply.status, reply.read()
+        finally:
+            connection.close()
+
+    def test_size_limits(self):
+        self.assertEqual(self.announce_only(ts.REGISTRATION_PATH, 64 * 1024 + 1)[0], 413)
+        self.assertEqual(self.announce_only(ts.IMPORT_PATH, 16 * 1024 * 1024 + 1)[0], 413)
+        self.assertEqual(self.register(form() + b"&" + b"x" * 66000)[0], 413)
+
+    def test_fault_answers_then_clears(self):
+        self.request("POST", "/__fault", ("path=%s&method=POST&status=500&content_type="
+                                          "text/html&body=%%3Cb%%3EDown%%3C%%2Fb%%3E%%e9"
+                                          % ts.REGISTRATION_PATH).encode())
+        self.assertEqual(self.request("GET", "/welcome")[0], 200)
+        status, headers, body = self.register(form(UserCode="hal"))
+        self.assertEqual((status, dict(headers)["Content-Type"], body),
+                         (500, "text/html", b"<b>Down</b>\xe9"))
+        self.assertEqual(self.register(form(UserCode="hal"))[0], 200)
+
+    def test_fault_reset_and_clear(self):
+        self.request("POST", "/__fault", b"reset=1&count=2")
+        self.request("POST", "/__fault", b"path=/CustomerSupport&status=502&count=0")
+        with self.assertRaises(ConnectionError):
+            self.request("GET", "/welcome")
+        with self.assertRaises(ConnectionError):
+            self.request("GET", "/welcome")
+        self.assertEqual(self.request("GET", "/welcome")[0], 200)
+        self.assertEqual(self.request("GET", "/CustomerSupport")[0], 502)
+        self.assertEqual(self.request("GET", "/CustomerSupport")[0], 502)
+        self.request("POST", "/__clear", b"")
+        self.assertEqual(self.request("GET", "/CustomerSupport")[0], 200)
+
+    def test_requests_seen_byte_for_byte(self):
+        body = b"passport=nope\r\n\\\xe9\xff\x00http://z/\r\n"
+        self.import_(body)
+        seen = json.loads(self.request("GET", "/__requests?last=1")[2])
+        self.assertEqual(len(seen), 1)
+        self.assertEqual((seen[0]["path"], seen[0]["body"].encode("latin-1"), seen[0]["status"]),
+                         (ts.IMPORT_PATH, body, 401))
+        self.assertIn(["Content-Type", FORM_TYPE], seen[0]["headers"])
+
+
+class PlainModeTest(ServiceTest):
+    test_mode = False
+
+    def test_test_paths_absent(self):
+        self.assertEqual(self.request("POST", "/__fault", b"status=500")[0], 404)
+        self.assertEqual(self.request("GET", "/__account?user=x")[0], 404)
+        self.assertEqual(self.request("GET", "/welcome")[0], 200)
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,187 @@
+// The wizard on the screen, driven as a user drives it: the frame, the plain
+// pages, the folder checks, Cancel, and the frame's links.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "SetupProcess.h"
+
+namespace {
+using uidriver::controlText;
+using uidriver::pressButton;
+
+// A dialog of the frame's process showing a control with this text.
+bool showsText(HWND frame, const std::string& text)
+{
+    for (const auto& control : uidriver::listControls(frame))
+        if (control.visible && control.text == text) return true;
+    return false;
+}
+
+bool enabled(HWND frame, int id) { return IsWindowEnabled(GetDlgItem(frame, id)) != FALSE; }
+
+struct PageSearch {
+    int controlId;
+    HWND page;
+};
+
+BOOL CALLBACK findPage(HWND child, LPARAM parameter)
+{
+    auto* search = reinterpret_cast<PageSearch*>(parameter);
+    if (GetDlgCtrlID(child) != search->controlId || !IsWindowVisible(child)) return TRUE;
+    search->page = GetParent(child);
+    return FALSE;
+}
+
+// The page on show that holds this control (pages are child dialogs of the frame).
+HWND pageWith(HWND frame, int controlId)
+{
+    PageSearch search = {controlId, nullptr};
+    EnumChildWindows(frame, findPage, reinterpret_cast<LPARAM>(&search));
+    return search.page;
+}
+
+// Waits until the frame shows a page with this control (pages come up through posted messages).
+HWND waitForPage(HWND frame, int controlId)
+{
+    for (int i = 0; i < 100; ++i) {
+        if (HWND page = pageWith(frame, controlId)) return page;
+        Sleep(50);
+    }
+    return nullptr;
+}
+
+bool waitForText(HWND frame, const std::string& text)
+{
+    for (int i = 0; i < 100; ++i) {
+        if (showsText(frame, text)) return true;
+        Sleep(50);
+    }
+    return false;
+}
+
+class Wizard : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        writeFlag("0");
+        // What the shell opens reaches the recorder, which inherits this from the run.
+        links = tempFolder() + "tvlinks.txt";
+        DeleteFileA(links.c_str());
+        SetEnvironmentVariableA("TAVRIN_RECORDER_OUT", links.c_str());
+        setup.reset(new SetupProcess(""));
+        frame = setup->window(wizardCaption, 20000);
+        ASSERT_TRUE(frame) << "no frame with the first file's version, commas turned into points";
+    }
+    void TearDown() override
+    {
+        if (setup->wait(0) == -1) cancelWizard(*setup);
+        EXPECT_EQ(setup->wait(), 0);
+        EXPECT_EQ(readFlag(), "0");
+        EXPECT_EQ(GetFileAttributesA((tempFolder() + "tavrin").c_str()), INVALID_FILE_ATTRIBUTES)
+            << "the extraction folder outlives the run";
+    }
+    std::unique_ptr<SetupProcess> setup;
+    HWND frame = nullptr;
+    std::string links;
+};
+}  // namespace
+
+TEST_F(Wizard, WelcomeLeadsPastTheAgreementToTheFolderAndBack)
+{
+    ASSERT_TRUE(waitForText(frame, "Welcome to the TavRin Personal Installation program."));
+    EXPECT_FALSE(enabled(frame, 1000)) << "the welcome page has no Back";
+    EXPECT_EQ(controlText(frame, IDCANCEL), "&Cancel");
+
+    // Without a new account the agreement passes itself over.
+    pressButton(frame, 1001);
+    HWND page = waitForPage(frame, 1005);
+    ASSERT_TRUE(page);
+    EXPECT_EQ(controlText(page, 1005), "C:\\Program Files\\TavRin");
+    EXPECT_EQ(controlText(page, 1004), "Setup will install TavRin Personal in the following directory.");
+    EXPECT_TRUE(enabled(frame, 1000));
+
+    uidriver::setControlText(page, 1005, "C:\\typed by the user");
+    pressButton(frame, 1000);
+    ASSERT_TRUE(waitForText(frame, "Click Next to continue."));
+    pressButton(frame, 1001);
+    ASSERT_EQ(waitForPage(frame, 1005), page) << "a page's window is made once and kept";
+    EXPECT_EQ(controlText(page, 1005), "C:\\typed by the user");
+}
+
+TEST_F(Wizard, FolderMustBeAFullPathAndIsMadeOnlyWhenTheUserSaysYes)
+{
+    pressButton(frame, 1001);
+    HWND page = waitForPage(frame, 1005);
+    ASSERT_TRUE(page);
+    for (const char* bad : {"C:", "C:Temp", "\\\\server\\share\\TavRin", "TavRin"}) {
+        uidriver::setControlText(page, 1005, bad);
+        pressButton(frame, 1001);
+        EXPECT_EQ(answerBox(*setup, "Error"), std::string("The directory '") + bad + "' is invalid");
+        EXPECT_EQ(controlText(page, 1005), bad);
+    }
+
+    std::string folder = tempFolder() + "tv wizard " + std::to_string(GetTickCount()) + "\\inner";
+    uidriver::setControlText(page, 1005, folder);
+    pressButton(frame, 1001);
+    EXPECT_EQ(answerBox(*setup, "Create Folder", IDNO),
+              "The folder '" + folder + "' does not exist. Do you wish to create it?");
+    EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_TRUE(pageWith(frame, 1005)) << "No keeps the page";
+
+    uidriver::setControlText(page, 1005, "Q:\\no such drive");
+    pressButton(frame, 1001);
+    answerBox(*setup, "Create Folder", IDYES);
+    EXPECT_EQ(answerBox(*setup, "Error"),
+              "TavRin Installation was unable to create the folder. Please ensure you have sufficient "
+              "permissions");
+
+    uidriver::setControlText(page, 1005, folder);
+    pressButton(frame, 1001);
+    answerBox(*setup, "Create Folder", IDYES);
+    EXPECT_TRUE(waitForText(frame, "TavRin Personal Installation is almost complete!"));
+    EXPECT_NE(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST_F(Wizard, CancelAsksAndNoKeepsTheWizard)
+{
+    pressButton(frame, IDCANCEL);
+    EXPECT_EQ(answerBox(*setup, "Abort Install", IDNO), "Are you sure you want to cancel this installation?");
+    EXPECT_EQ(setup->wait(300), -1) << "No must keep the wizard open";
+    EXPECT_TRUE(IsWindowVisible(frame));
+}
+
+TEST_F(Wizard, HelpAndTheSiteLinkOpenTheirAddresses)
+{
+    // The shell opens web addresses through the http handler: the recorder plays the browser.
+    HKEY key;
+    RegCreateKeyExA(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                    &key, nullptr);
+    char old[1024] = "";
+    DWORD size = sizeof old;
+    RegQueryValueExA(key, nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(old), &size);
+    std::string command = "\"" + testFolder() + "recorder.exe\" \"%1\"";
+    RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                   static_cast<DWORD>(command.size() + 1));
+
+    pressButton(frame, 1064);
+    RECT cancel;
+    GetWindowRect(GetDlgItem(frame, IDCANCEL), &cancel);
+    RECT client;
+    GetClientRect(frame, &client);
+    POINT point = {client.right - 15, 0};
+    POINT top = {cancel.left, cancel.top};
+    ScreenToClient(frame, &top);
+    point.y = top.y - 21;
+    PostMessageA(frame, WM_MOUSEMOVE, 0, MAKELPARAM(point.x, point.y));
+    PostMessageA(frame, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(point.x, point.y));
+    std::string seen;
+    for (int i = 0; i < 100 && seen.find("example/\"") == std::string::npos; ++i) {
+        Sleep(50);
+        seen = readFile(links);
+    }
+    EXPECT_NE(seen.find("http://www.tavrin.example/CustomerSupport"), std::string::npos) << seen;
+    EXPECT_NE(seen.find("http://www.tavrin.example/\""), std::string::npos) << seen;
+    RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(old), static_cast<DWORD>(strlen(old) + 1));
+    RegCloseKey(key);
+}
