@@ -33,6 +33,11 @@ int CInstallWizard::run()
     if (!checkRequirements(this)) return 0;
     if (equalsNoCase(settings.regoCommand.c_str(), "AddTrial"))
         if (CInstallPage* details = findPage(115)) details->dialogId = 153;
+    return showFrame();
+}
+
+int CInstallWizard::showFrame()
+{
     return static_cast<int>(DialogBoxParamA(moduleInstance, MAKEINTRESOURCEA(IDD_WIZARD), nullptr,
                                             installDialogProc,
                                             reinterpret_cast<LPARAM>(static_cast<CInstallDialog*>(this))));

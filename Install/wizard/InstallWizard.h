@@ -34,6 +34,8 @@ public:
     int extractPayload();
     // Reads setup.ini from the extraction folder and completes the file records.
     int loadSettings();
+    // The modal frame, dialog 101, with the registered pages.
+    int showFrame();
     void setDestination(const char* path);
 
     bool addPage(int id, CInstallPage* page);
