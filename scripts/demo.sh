@@ -26,13 +26,24 @@ shot 01-help; sleep "$pause"
 wine "$driver" answer "TavRin Installation" OK </dev/null >/dev/null
 wait $run
 
-echo "2. SETUP.EXE after a run that died half way (InstallInProcess left at 1)"
+echo "2. SETUP.EXE after a run that died half way (InstallInProcess left at 1), then the wizard"
 wine reg add 'HKCU\SOFTWARE\Tavrin' /v InstallInProcess /d 1 /f </dev/null >/dev/null 2>&1
 wine "$setup" </dev/null >/dev/null 2>&1 &
 run=$!
-wine "$driver" wait "Error" 15 </dev/null | tr -d '\r' | sed 's/^/   /'
+wine "$driver" wait "Error" 15 </dev/null | tr -d '\r' | grep -E '^(caption|message)' | sed 's/^/   /'
 shot 02-previous-run; sleep "$pause"
 wine "$driver" answer "Error" OK </dev/null >/dev/null
+frame="TavRin Installation - 3. 1. 0. 12"
+wine "$driver" wait "$frame" 20 </dev/null | tr -d '\r' | grep -E '^caption' | sed 's/^/   /'
+shot 03-welcome; sleep "$pause"
+wine "$driver" answer "$frame" 1001 </dev/null >/dev/null
+shot 04-destination; sleep "$pause"
+wine "$driver" answer "$frame" 1001 </dev/null >/dev/null
+wine "$driver" answer "Create Folder" Yes 5 </dev/null >/dev/null
+shot 05-ready; sleep "$pause"
+echo "   (the copy pages come next; the demo cancels here)"
+wine "$driver" answer "$frame" 2 </dev/null >/dev/null
+wine "$driver" answer "Abort Install" Yes </dev/null >/dev/null
 wait $run
 
 echo "3. The log it leaves (C:\\windows\\TavRinInstall.log):"
