@@ -671,10 +671,10 @@ def cookies_of(header):
 
 class Handler(BaseHTTPRequestHandler):
     protocol_version = "HTTP/1.1"
+    timeout = 60  # an idle kept-alive connection is closed after this
 
     def version_string(self):
         return "TavRin/1.0"
-    timeout = 60  # an idle kept-alive connection is closed after this
 
     @property
     def service(self):
@@ -715,6 +715,8 @@ class Handler(BaseHTTPRequestHandler):
         limit is read and dropped, so that a sender still writing gets to read
         the answer instead of a reset connection."""
         left, self._unread = getattr(self, "_unread", 0), 0
+        if not left:
+            return
         try:
             self.connection.settimeout(5)
             while left > 0:
