@@ -102,3 +102,17 @@ char* trimSpaces(char* text)
     text[length] = 0;
     return text;
 }
+
+std::string shortPathOf(const char* path)
+{
+    char shortPath[MAX_PATH];
+    DWORD length = GetShortPathNameA(path, shortPath, sizeof shortPath);
+    if (length == 0 || length >= sizeof shortPath) return "";
+    return shortPath;
+}
+
+std::string fileNameOf(const std::string& path)
+{
+    size_t slash = path.find_last_of('\\');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}

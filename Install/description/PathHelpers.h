@@ -19,3 +19,9 @@ bool removeTree(const char* path);
 DWORD fileSizeOf(const char* path);
 // Removes white space from both ends, in place.
 char* trimSpaces(char* text);
+
+#include <string>
+// GetShortPathNameA of `path`; empty when the path does not exist.
+std::string shortPathOf(const char* path);
+// What follows the last backslash of `path`; the whole text without one.
+std::string fileNameOf(const std::string& path);
