@@ -15,13 +15,6 @@ namespace {
 const int maxResetRepeats = 3;
 const int maxProxyDialogs = 3;
 
-// Windows reports a connection reset by the server as ..._RESET; Wine reports
-// the same reset as ..._ABORTED.
-bool connectionReset(DWORD error)
-{
-    return error == ERROR_INTERNET_CONNECTION_RESET || error == ERROR_INTERNET_CONNECTION_ABORTED;
-}
-
 void addHeader(HINTERNET request, const char* header)
 {
     HttpAddRequestHeadersA(request, header, static_cast<DWORD>(-1),
@@ -71,10 +64,11 @@ DWORD WINAPI requestWorker(void* argument)
         request.lastError = GetLastError();
 
     bool openRequest = true;
-    while (request.lastError == 0) {
+    for (;;) {
         if (openRequest) {
             installLog.write("Sending request to host", true);
             handle.reset();
+            if (request.lastError) break;
             // The URL's extra info, a query string among it, is not sent.
             handle.reset(HttpOpenRequestA(connection.handle, "POST", request.urlParts.lpszUrlPath,
                                           nullptr, nullptr, nullptr,
@@ -103,7 +97,10 @@ DWORD WINAPI requestWorker(void* argument)
         if (!HttpSendRequestA(handle.handle, nullptr, 0, const_cast<char*>(request.postData.c_str()),
                               static_cast<DWORD>(request.postData.size()))) {
             DWORD error = GetLastError();
-            if (connectionReset(error) && sends > 0 && resetRepeats < maxResetRepeats) {
+            // A kept-alive connection the server has dropped meanwhile. (Wine
+            // reconnects by itself there, and reports other resets as ABORTED.)
+            if (error == ERROR_INTERNET_CONNECTION_RESET && sends > 0 &&
+                resetRepeats < maxResetRepeats) {
                 ++resetRepeats;
                 installLog.writef("Connection reset by host, sending again (%d)", resetRepeats);
                 openRequest = true;

@@ -1,6 +1,5 @@
-// The test program's entry. Started by a test with a role as its first
-// argument, it is that test's later process instead: one that reads the cookie
-// store, or one that reports the time zone of its own environment.
+// The test program's entry. Started as "--read-cookie URL NAME" by a test, it
+// is that test's later process: it prints what the cookie store holds.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -8,26 +7,15 @@
 #include <vector>
 
 #include "account/CookieStore.h"
-#include "account/FormEncoding.h"
-
-namespace {
-int readCookieRole(const char* url, const char* name)
-{
-    DWORD size = 0;
-    readCookie(url, name, nullptr, size);
-    if (size == 0) return 1;
-    std::vector<char> text(size + 1, 0);
-    if (!readCookie(url, name, text.data(), size)) return 2;
-    std::printf("%s", text.data());
-    return 0;
-}
-}  // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc == 4 && std::strcmp(argv[1], "--read-cookie") == 0) return readCookieRole(argv[2], argv[3]);
-    if (argc == 2 && std::strcmp(argv[1], "--time-zone") == 0) {
-        std::printf("%s", currentTimeZone());
+    if (argc == 4 && std::strcmp(argv[1], "--read-cookie") == 0) {
+        DWORD size = 0;
+        readCookie(argv[2], argv[3], nullptr, size);
+        std::vector<char> text(size + 1, 0);
+        if (size == 0 || !readCookie(argv[2], argv[3], text.data(), size)) return 1;
+        std::printf("%s", text.data());
         return 0;
     }
     ::testing::InitGoogleTest(&argc, argv);

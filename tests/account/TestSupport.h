@@ -4,48 +4,36 @@
 #include <atomic>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
-// The reference service the tests talk to: TAVRIN_SERVICE_URL, e.g.
-// http://127.0.0.1:8123 (no slash at the end).
+// The reference service: TAVRIN_SERVICE_URL, e.g. http://127.0.0.1:8123.
 std::string serviceUrl();
 std::string registrationUrl();
-
-struct ServiceAnswer {
-    DWORD status = 0;
-    std::string body;
-};
-// A request of the test's own, beside the program's: no cookies either way.
-ServiceAnswer serviceCall(const char* verb, const std::string& path, const std::string& form = "");
-// POST /__fault with a form such as "path=/x&status=500".
-void addFault(const std::string& form);
-void clearFaults();
+// A request of the test's own, beside the program's, with no cookies: a GET,
+// or a POST of `form`. The reply's body.
+std::string serviceCall(const std::string& path, const char* form = nullptr);
+inline void addFault(const std::string& form) { serviceCall("/__fault", form.c_str()); }
+inline void clearFaults() { serviceCall("/__clear", "all=1"); }
 
 // One request as the service saw it.
 struct SeenRequest {
-    std::string method, path, query, body;
+    std::string path, query, body;
     std::vector<std::pair<std::string, std::string>> headers;
-    int headerCount(const char* name) const;
-    std::string header(const char* name) const;
+    int count(const char* header) const;
 };
 std::vector<SeenRequest> lastRequests(int count);
-
-// Every string literal of a JSON text, in order, with escapes decoded
-// (\u00XX as that byte).
+// Every string literal of a JSON text, in order, escapes decoded.
 std::vector<std::string> jsonStrings(const std::string& json);
 
-// A user name no earlier run has taken.
-std::string freshUserName(const char* prefix);
-
-// Answers, from a second thread, every visible window of this process with
-// `caption` (a message box or the error list), until stopped; records what
-// each showed: "list:" and the error list's text, or "box:" and the message.
+// Answers from a second thread every window of this process captioned
+// `caption` with `button`, recording "list:" and the error list's text or
+// "box:" and a message box's. The code under test shows its boxes modally,
+// so when it has returned, stop() has all of them.
 class CBoxAnswerer {
 public:
     explicit CBoxAnswerer(const char* caption = "Error", int button = IDOK);
-    ~CBoxAnswerer();
-    // Stops and returns what was shown. Call after the code under test returned:
-    // its boxes are modal, so each has been answered by then.
+    ~CBoxAnswerer() { stop(); }
     std::vector<std::string> stop();
 
 private:
@@ -56,7 +44,5 @@ private:
     std::thread thread;
 };
 
-// Runs this test program again with `arguments` and extra environment
-// variables ("NAME=value"); returns its standard output and exit code.
-std::string runSelf(const std::string& arguments, const std::vector<std::string>& environment,
-                    DWORD* exitCode = nullptr);
+// This test program again, as a later process; its standard output.
+std::string runSelf(const std::string& arguments, DWORD* exitCode = nullptr);
