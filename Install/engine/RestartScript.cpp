@@ -7,6 +7,7 @@
 #include "RegistryKey.h"
 #include "description/PathHelpers.h"
 #include "engine/ComponentRegistration.h"
+#include "wizard/InstallWizard.h"
 
 #include <shellapi.h>
 
@@ -85,6 +86,51 @@ bool readScript(const char* path, std::string& text)
     return true;
 }
 }  // namespace
+
+void startRestartScript(std::string& restartScript, const CInstallWizard& wizard)
+{
+    restartScript = "## TavRin Installation Reboot Script ##\r\n";
+    restartScript += "Destination=" + wizard.settings.destination + "\r\n";
+    restartScript += std::string("Source=") + wizard.sourceFolder + "\r\n";
+}
+
+void appendRestartEntry(const CInstallFile& file, std::string& restartScript)
+{
+    char source[MAX_PATH], target[MAX_PATH];
+    joinPath(file.sourceFolder.c_str(), file.fileName.c_str(), source, sizeof source);
+    joinPath(file.destFolder.c_str(), file.fileName.c_str(), target, sizeof target);
+    // The reader ends a copy's source at its first blank, and the extraction
+    // folder lies in the user's temp folder, whose long form holds one when the
+    // user name does. The short form has none.
+    std::string shortSource = shortPathOf(source);
+    if (shortSource.empty()) shortSource = source;
+    restartScript += "copy " + shortSource + " " + target + "\r\n";
+    restartScript += std::string("regsvr32 ") + target + "\r\n";
+}
+
+void writeRestartScript(CInstallWizard* wizard, const std::string& restartScript)
+{
+    char scriptPath[MAX_PATH];
+    joinPath(wizard->sourceFolder, "tavrin.rss", scriptPath, sizeof scriptPath);
+    HANDLE file = CreateFileA(scriptPath, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file != INVALID_HANDLE_VALUE) {
+        DWORD written = 0;
+        WriteFile(file, restartScript.data(), static_cast<DWORD>(restartScript.size()), &written, nullptr);
+        CloseHandle(file);
+    }
+
+    CRegistryKey key(HKEY_CURRENT_USER);
+    if (!key.open("Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", false, KEY_ALL_ACCESS)) return;
+    char program[MAX_PATH];
+    DWORD length = GetModuleFileNameA(nullptr, program, sizeof program);
+    program[length < sizeof program ? length : sizeof program - 1] = 0;  // XP leaves a cut name open
+    char command[1024];
+    copyText(command, program, sizeof command);
+    appendText(command, " -restart ", sizeof command);
+    appendText(command, scriptPath, sizeof command);
+    key.writeString("TavRin", command);
+}
 
 std::vector<CRestartCommand> readRestartCommands(const char* text)
 {

@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "description/InstallSettings.h"
+
+class CInstallWizard;
+
 // tavrin.rss: what the file pass could not finish because a file was in use,
 // carried out by "SETUP.EXE -restart <script>" at the next logon.
 struct CRestartCommand {
@@ -11,6 +15,15 @@ struct CRestartCommand {
     std::string first;   // the folder, the copy's source, or the path to register
     std::string second;  // the copy's target
 };
+
+// The writer, used by the file pass. The header: the title line, then the
+// destination and the extraction folder. Replaces what `restartScript` held.
+void startRestartScript(std::string& restartScript, const CInstallWizard& wizard);
+// The copy line and the regsvr32 line for a file that was in use.
+void appendRestartEntry(const CInstallFile& file, std::string& restartScript);
+// tavrin.rss in the extraction folder, and the RunOnce value of the current user
+// that starts this program on it at the next logon. Failures pass unreported.
+void writeRestartScript(CInstallWizard* wizard, const std::string& restartScript);
 
 // The commands of a script text in order. Lines are cut at every CR and LF;
 // lines that are none of the four commands, and copy lines without a blank

@@ -52,3 +52,19 @@
 #define IDC_DESTINATION_BROWSE   1006
 // Ready page
 #define IDD_PAGE_READY           116
+
+// Update page
+#define IDD_PAGE_UPDATE          126
+#define IDC_UPDATE_UNINSTALL     1024
+#define IDC_UPDATE_UPDATE        1025
+// Copy page
+#define IDD_PAGE_COPY            117
+#define IDC_COPY_PROGRESS        1007
+#define IDC_COPY_STATUS          1016
+// Finish pages: installed, uninstalled, install failed, uninstall failed
+#define IDD_PAGE_FINISHED        144
+#define IDD_PAGE_UNINSTALLED     133
+#define IDD_PAGE_INSTALL_FAILED  135
+#define IDD_PAGE_UNINSTALL_FAILED 137
+#define IDC_FINISH_README        1018
+#define IDC_FINISH_BROWSER       1031

@@ -10,6 +10,7 @@
 #include "description/PathHelpers.h"
 #include "resources/resource.h"
 #include "wizard/InstallPage.h"
+#include "engine/InstallCopyPage.h"
 #include "wizard/Painting.h"
 
 CInstallWizard::CInstallWizard(bool quietRun) : quiet(quietRun) { InitCommonControls(); }
@@ -29,7 +30,10 @@ int CInstallWizard::run()
     if (!extractPayload()) return 0;
     if (!loadSettings()) return 0;
     // The quiet run installs at once, without pages and without the checks.
-    if (quiet) return 1;
+    if (quiet) {
+        if (auto* copyPage = dynamic_cast<CInstallCopyPage*>(findPage(106))) copyPage->runFilePass(true, this);
+        return 1;
+    }
     if (!checkRequirements(this)) return 0;
     if (equalsNoCase(settings.regoCommand.c_str(), "AddTrial"))
         if (CInstallPage* details = findPage(115)) details->dialogId = 153;

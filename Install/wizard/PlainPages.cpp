@@ -10,6 +10,8 @@
 #include "description/PathHelpers.h"
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
+#include "engine/FinishPages.h"
+#include "engine/InstallCopyPage.h"
 
 INT_PTR CInstallAgreementPage::onInitDialog()
 {
@@ -108,7 +110,13 @@ void registerPages(CInstallWizard& wizard, bool)
     // The page order is the road of the wizard: Next goes to the following page
     // that does not pass itself over, Back to the one before.
     wizard.addPage(100, new CInstallWelcomePage);
+    wizard.addPage(108, new CInstallUpdatePage);
     wizard.addPage(110, new CInstallAgreementPage);
     wizard.addPage(104, new CInstallDestinationPage);
     wizard.addPage(105, new CInstallPage(IDD_PAGE_READY));
+    wizard.addPage(106, new CInstallCopyPage);
+    wizard.addPage(107, new CInstallFinishPage(IDD_PAGE_FINISHED));
+    wizard.addPage(111, new CInstallFinishPage(IDD_PAGE_UNINSTALLED));
+    wizard.addPage(112, new CInstallFinishPage(IDD_PAGE_INSTALL_FAILED));
+    wizard.addPage(113, new CInstallFinishPage(IDD_PAGE_UNINSTALL_FAILED));
 }

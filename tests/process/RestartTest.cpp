@@ -2,13 +2,12 @@
 // prevented, as the next logon starts it.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 
 #include "SetupProcess.h"
 
 namespace {
-const char* const appPathsKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\IEXPLORE.EXE";
-
 // A scratch extraction folder with a script, and the browser replaced by the
 // recorder for the length of a test.
 class RestartRun : public ::testing::Test {
@@ -23,29 +22,14 @@ protected:
         ASSERT_TRUE(CreateDirectoryA(target.c_str(), nullptr));
         writeFile(source + "one.dll", "first payload file");
         writeFile(source + "two.exe", "second payload file");
-        recorderOut = source.substr(0, source.size() - 1) + ".browser.txt";
-        DeleteFileA(recorderOut.c_str());
-        SetEnvironmentVariableA("TAVRIN_RECORDER_OUT", recorderOut.c_str());
         SetEnvironmentVariableA("TAVRIN_PROBE_REFUSE", nullptr);
-
-        RegCreateKeyExA(HKEY_LOCAL_MACHINE, appPathsKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                        &appPaths, nullptr);
-        char old[1024] = "";
-        DWORD size = sizeof old;
-        if (RegQueryValueExA(appPaths, nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(old), &size) ==
-            ERROR_SUCCESS)
-            oldBrowser = old;
-        std::string recorder = testFolder() + "recorder.exe";
-        RegSetValueExA(appPaths, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(recorder.c_str()),
-                       static_cast<DWORD>(recorder.size() + 1));
+        browser.reset(new BrowserStandIn(source.substr(0, source.size() - 1) + ".browser.txt"));
         RegDeleteKeyValueA(HKEY_CURRENT_USER, "Software\\TavRinTests", "ProbeRegistered");
         writeFlag("1");
     }
     void TearDown() override
     {
-        RegSetValueExA(appPaths, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(oldBrowser.c_str()),
-                       static_cast<DWORD>(oldBrowser.size() + 1));
-        RegCloseKey(appPaths);
+        browser.reset();
         SetEnvironmentVariableA("TAVRIN_PROBE_REFUSE", nullptr);
     }
 
@@ -55,7 +39,7 @@ protected:
                source.substr(0, source.size() - 1) + "\r\n";
     }
     std::string script() const { return source + "tavrin.rss"; }
-    std::string browserLog() { return readFile(recorderOut); }
+    std::string browserLog() { return browser->seen(); }
     DWORD probeRuns()
     {
         DWORD count = 0, size = sizeof count;
@@ -65,8 +49,8 @@ protected:
     }
     std::string probe() const { return testFolder() + "probe.dll"; }
 
-    std::string source, target, recorderOut, oldBrowser;
-    HKEY appPaths = nullptr;
+    std::string source, target;
+    std::unique_ptr<BrowserStandIn> browser;
 };
 }  // namespace
 

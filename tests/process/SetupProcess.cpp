@@ -148,3 +148,26 @@ void cancelWizard(SetupProcess& process)
     uidriver::pressButton(frame, IDCANCEL);
     answerBox(process, "Abort Install", IDYES);
 }
+
+namespace {
+const char* const appPaths = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\IEXPLORE.EXE";
+
+void setBrowser(const std::string& command)
+{
+    RegSetKeyValueA(HKEY_LOCAL_MACHINE, appPaths, nullptr, REG_SZ, command.c_str(),
+                    static_cast<DWORD>(command.size() + 1));
+}
+}  // namespace
+
+BrowserStandIn::BrowserStandIn(const std::string& file) : output(file)
+{
+    char old[1024] = "";
+    DWORD size = sizeof old;
+    if (RegGetValueA(HKEY_LOCAL_MACHINE, appPaths, nullptr, RRF_RT_REG_SZ, nullptr, old, &size) == ERROR_SUCCESS)
+        previous = old;
+    DeleteFileA(output.c_str());
+    SetEnvironmentVariableA("TAVRIN_RECORDER_OUT", output.c_str());
+    setBrowser(testFolder() + "recorder.exe");
+}
+
+BrowserStandIn::~BrowserStandIn() { setBrowser(previous); }

@@ -33,6 +33,22 @@ void writeFile(const std::string& path, const std::string& data);
 // The InstallInProcess flag under HKCU\SOFTWARE\Tavrin; "(none)" if missing.
 std::string readFlag();
 void writeFlag(const char* value);
+std::string readFile(const std::string& path);
+
+// For the length of a test the browser is the recorder: App Paths\IEXPLORE.EXE
+// names it, and what it is started with lands in `output` (through the
+// environment, which the program and its children inherit).
+class BrowserStandIn {
+public:
+    explicit BrowserStandIn(const std::string& output);
+    ~BrowserStandIn();
+    std::string seen() const { return readFile(output); }
+
+private:
+    std::string output;
+    std::string previous;
+};
+
 // The wizard's frame window: its caption holds the first file's version.
 const char* const wizardCaption = "TavRin Installation - 3. 1. 0. 12";
 // Cancel on the frame, Yes to "Abort Install": the run then ends in order.

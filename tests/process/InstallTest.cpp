@@ -1,0 +1,212 @@
+// Installs as a user makes them: quiet, on the screen, over an existing
+// installation, and with a file in use finished by the restart run.
+#include <gtest/gtest.h>
+
+#include "SetupProcess.h"
+
+namespace {
+const std::string folder = "C:\\Program Files\\TavRin";
+const char* const payload[] = {"TAVRIN.DLL", "TAVRINBH.DLL", "tvdownload.exe", "tvprotocol.dll"};
+const char* const uninstallKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin";
+const char* const runOnceKey = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
+
+bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+std::string readValue(HKEY root, const char* key, const char* name)
+{
+    char value[4096] = "";
+    DWORD size = sizeof value - 1;
+    if (RegGetValueA(root, key, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return "(none)";
+    return value;
+}
+
+std::string registeredServer()
+{
+    return readValue(HKEY_CLASSES_ROOT, "CLSID\\{16C7C243-7FA0-11D3-A0E4-0A02B9000000}\\InprocServer32", nullptr);
+}
+
+std::string windowsFolder()
+{
+    char windows[MAX_PATH];
+    GetWindowsDirectoryA(windows, sizeof windows);
+    return windows;
+}
+
+// A machine without the product: no folder, no registration, no entries.
+void removeInstallation()
+{
+    for (const char* name : payload) DeleteFileA((folder + "\\" + name).c_str());
+    DeleteFileA((folder + "\\readme.txt").c_str());
+    RemoveDirectoryA(folder.c_str());
+    for (const char* guid : {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7C244-7FA0-11D3-A0E4-0A02B9000000}",
+                             "{16C7C245-7FA0-11D3-A0E4-0A02B9000000}"})
+        RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + guid).c_str());
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, uninstallKey);
+    RegDeleteKeyValueA(HKEY_CURRENT_USER, runOnceKey, "TavRin");
+    DeleteFileA((windowsFolder() + "\\INF\\tvuninst.inf").c_str());
+    writeFlag("0");
+}
+
+void expectInstalled()
+{
+    for (const char* name : payload) EXPECT_TRUE(exists(folder + "\\" + name)) << name;
+    EXPECT_EQ(registeredServer(), folder + "\\TAVRIN.DLL");
+    EXPECT_EQ(readValue(HKEY_LOCAL_MACHINE, uninstallKey, "DisplayName"), "TavRin Personal");
+    std::string inf = windowsFolder() + "\\INF\\tvuninst.inf";
+    EXPECT_EQ(readValue(HKEY_LOCAL_MACHINE, uninstallKey, "UninstallString"),
+              "rundll32 advpack.dll,LaunchINFSection " + inf + ",TavRinUninstall");
+    EXPECT_NE(readFile(inf).find("[TavRinUninstall2]"), std::string::npos);
+}
+
+// The page dialog of the frame that holds a visible control with this id.
+HWND pageHolding(HWND frame, int id, DWORD timeoutMs = 20000)
+{
+    for (DWORD waited = 0; waited < timeoutMs; waited += 50) {
+        for (HWND page = FindWindowExA(frame, nullptr, nullptr, nullptr); page;
+             page = FindWindowExA(frame, page, nullptr, nullptr)) {
+            HWND control = GetDlgItem(page, id);
+            if (control && IsWindowVisible(control) && IsWindowVisible(page)) return page;
+        }
+        Sleep(50);
+    }
+    return nullptr;
+}
+
+class Install : public ::testing::Test {
+protected:
+    void SetUp() override { removeInstallation(); }
+    void TearDown() override { removeInstallation(); }
+};
+}  // namespace
+
+TEST_F(Install, QuietRunCopiesRegistersAndWritesTheUninstallEntry)
+{
+    {
+        // The pass makes no folders: on a machine without one the first copy fails.
+        SetupProcess setup("/Q");
+        EXPECT_EQ(answerBox(setup, "Error"),
+                  "Error creating file '" + folder + "\\TAVRIN.DLL'.  Please check you have enough disk space "
+                  "and permission to modify this directory.");
+        EXPECT_EQ(setup.wait(), 0);
+        EXPECT_EQ(registeredServer(), "(none)");
+        EXPECT_EQ(readValue(HKEY_LOCAL_MACHINE, uninstallKey, "DisplayName"), "(none)");
+    }
+    ASSERT_TRUE(CreateDirectoryA(folder.c_str(), nullptr));
+    SetupProcess setup("/q");
+    EXPECT_EQ(setup.wait(30000), 0);
+    expectInstalled();
+    EXPECT_EQ(readValue(HKEY_CURRENT_USER, runOnceKey, "TavRin"), "(none)") << "no restart needed";
+    std::string log = readLog();
+    for (const char* name : payload) {
+        EXPECT_NE(log.find(std::string("- Processing file ") + name + "\r\n"), std::string::npos) << name;
+        EXPECT_NE(log.find(std::string("- ") + name + " copied\r\n"), std::string::npos) << name;
+    }
+    EXPECT_NE(log.find("- Registered file tvprotocol.dll"), std::string::npos);
+    EXPECT_EQ(log.find("- Registered file tvdownload.exe"), std::string::npos) << "not AutoReg";
+    EXPECT_EQ(log.find("Reboot Required"), std::string::npos);
+    EXPECT_FALSE(exists(tempFolder() + "tavrin"));
+}
+
+TEST_F(Install, WizardInstallsThenUpdatesInPlace)
+{
+    {
+        SetupProcess setup("");
+        HWND frame = setup.window(wizardCaption, 20000);
+        ASSERT_TRUE(frame);
+        uidriver::pressButton(frame, 1001);  // welcome: nothing installed, so on to the folder
+        ASSERT_TRUE(pageHolding(frame, 1005));
+        uidriver::pressButton(frame, 1001);
+        answerBox(setup, "Create Folder", IDYES);
+        uidriver::pressButton(frame, 1001);  // ready: the copy starts
+        HWND finish = pageHolding(frame, 1018);
+        ASSERT_TRUE(finish) << "no finish page after the copy";
+        EXPECT_EQ(uidriver::controlText(frame, IDCANCEL), "&Finish");
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(frame, 1000)));
+        // Untick both boxes so that Finish opens nothing, then finish.
+        PostMessageA(GetDlgItem(finish, 1018), BM_CLICK, 0, 0);
+        PostMessageA(GetDlgItem(finish, 1031), BM_CLICK, 0, 0);
+        Sleep(200);
+        uidriver::pressButton(frame, IDCANCEL);
+        EXPECT_EQ(setup.wait(), 0);
+    }
+    expectInstalled();
+    EXPECT_EQ(readFile(folder + "\\readme.txt").empty(), false) << "Finish copies the readme";
+
+    // The second run finds the installation and updates it in its folder.
+    SetupProcess update("");
+    HWND frame = update.window(wizardCaption, 20000);
+    ASSERT_TRUE(frame);
+    uidriver::pressButton(frame, 1001);
+    HWND page = pageHolding(frame, 1025);
+    ASSERT_TRUE(page) << "no update page for an existing installation";
+    EXPECT_EQ(IsDlgButtonChecked(page, 1025), BST_CHECKED);
+    uidriver::pressButton(frame, 1001);  // Update: on past the account pages
+    // The folder page passes itself over on the update road: next comes the ready page.
+    Sleep(500);
+    EXPECT_FALSE(pageHolding(frame, 1005, 0)) << "the folder page showed on the update road";
+    uidriver::pressButton(frame, 1001);  // ready: the copy starts
+    HWND finish = pageHolding(frame, 1018);
+    ASSERT_TRUE(finish);
+    PostMessageA(GetDlgItem(finish, 1018), BM_CLICK, 0, 0);
+    PostMessageA(GetDlgItem(finish, 1031), BM_CLICK, 0, 0);
+    Sleep(200);
+    uidriver::pressButton(frame, IDCANCEL);
+    EXPECT_EQ(update.wait(), 0);
+    expectInstalled();
+    // Equal versions: the UpgradeCheck files are left alone, the others copied again.
+    std::string log = readLog();
+    EXPECT_EQ(log.find("- TAVRIN.DLL copied"), std::string::npos);
+    EXPECT_EQ(log.find("- TAVRINBH.DLL copied"), std::string::npos);
+    EXPECT_NE(log.find("- tvprotocol.dll copied"), std::string::npos);
+    EXPECT_NE(log.find("- Registered file TAVRIN.DLL"), std::string::npos) << "left alone, registered again";
+}
+
+TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
+{
+    ASSERT_TRUE(CreateDirectoryA(folder.c_str(), nullptr));
+    SetupProcess first("/Q");
+    ASSERT_EQ(first.wait(30000), 0);
+    const char* const protocolClass = "CLSID\\{16C7C245-7FA0-11D3-A0E4-0A02B9000000}\\InprocServer32";
+    ASSERT_EQ(readValue(HKEY_CLASSES_ROOT, protocolClass, nullptr), folder + "\\tvprotocol.dll");
+
+    // A user's profile on Windows has this key; a new Wine prefix does not, and
+    // the program only opens it.
+    HKEY runOnce;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, runOnceKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &runOnce,
+                              nullptr), ERROR_SUCCESS);
+    RegCloseKey(runOnce);
+    // Another program has tvprotocol.dll loaded: the pass cannot replace it.
+    std::string target = folder + "\\tvprotocol.dll";
+    HMODULE held = LoadLibraryA(target.c_str());
+    ASSERT_TRUE(held);
+    SetupProcess second("/Q");
+    EXPECT_EQ(second.wait(30000), 0);
+    FreeLibrary(held);
+
+    std::string command = readValue(HKEY_CURRENT_USER, runOnceKey, "TavRin");
+    size_t restart = command.find(" -restart ");
+    ASSERT_NE(restart, std::string::npos) << command;
+    std::string script = command.substr(restart + 10);
+    std::string text = readFile(script);
+    EXPECT_EQ(text.rfind("## TavRin Installation Reboot Script ##\r\n", 0), 0u) << text;
+    EXPECT_NE(text.find("regsvr32 " + target + "\r\n"), std::string::npos) << text;
+    EXPECT_NE(readLog().find("- Reboot Required"), std::string::npos);
+    EXPECT_EQ(readValue(HKEY_CLASSES_ROOT, protocolClass, nullptr), "(none)")
+        << "the old file in use is unregistered until the restart run registers its replacement";
+    EXPECT_NE(readLog().find("- tvdownload.exe copied"), std::string::npos) << "the other files go on";
+
+    // The next logon: Windows deletes the value and starts its command.
+    BrowserStandIn browser(tempFolder() + "tvbrowser.txt");
+    RegDeleteKeyValueA(HKEY_CURRENT_USER, runOnceKey, "TavRin");
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION info = {};
+    ASSERT_TRUE(CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info));
+    EXPECT_EQ(WaitForSingleObject(info.hProcess, 30000), WAIT_OBJECT_0);
+    CloseHandle(info.hProcess);
+    CloseHandle(info.hThread);
+    EXPECT_EQ(readValue(HKEY_CLASSES_ROOT, protocolClass, nullptr), target);
+    EXPECT_FALSE(exists(script)) << "the restart run removes the extraction folder";
+    EXPECT_NE(browser.seen().find("/welcome"), std::string::npos);
+    EXPECT_EQ(readFlag(), "0");
+}
