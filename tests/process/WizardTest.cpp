@@ -102,6 +102,15 @@ TEST_F(Wizard, WelcomeLeadsPastTheAgreementToTheFolderAndBack)
     EXPECT_TRUE(enabled(frame, 1000));
 
     uidriver::setControlText(page, 1005, "C:\\typed by the user");
+    // Browse, then Cancel in the folder dialog: the text stays as it was.
+    PostMessageA(page, WM_COMMAND, MAKEWPARAM(1006, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(page, 1006)));
+    HWND browse = setup->window("Browse for Folder");
+    ASSERT_TRUE(browse) << "no folder dialog";
+    EXPECT_TRUE(showsText(browse, "Select Destination Folder"));
+    uidriver::pressButton(browse, IDCANCEL);
+    uidriver::WindowQuery gone{"Browse for Folder", setup->id(), false};
+    EXPECT_TRUE(uidriver::waitForWindowGone(gone, 5000));
+    EXPECT_EQ(controlText(page, 1005), "C:\\typed by the user");
     pressButton(frame, 1000);
     ASSERT_TRUE(waitForText(frame, "Click Next to continue."));
     pressButton(frame, 1001);

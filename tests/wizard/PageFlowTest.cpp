@@ -42,6 +42,11 @@ bool eventually(const std::function<bool()>& condition)
     return false;
 }
 
+bool onPage(CInstallWizard& wizard, int id)
+{
+    return wizard.pages[wizard.currentPage]->id == id;
+}
+
 void press(CInstallWizard& wizard, int id) { PostMessageA(wizard.hwnd, WM_COMMAND, id, 0); }
 
 bool nextEnabled(CInstallWizard& wizard) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, 1001)) != FALSE; }
@@ -133,7 +138,7 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
 
     runWizard(wizard, [&] {
         press(wizard, 1001);
-        ASSERT_TRUE(eventually([&] { return wizard.currentPage == 1 && page->hwnd; }));
+        ASSERT_TRUE(eventually([&] { return onPage(wizard, 110) && page->hwnd; }));
         EXPECT_EQ(uidriver::controlText(page->hwnd, 1027), agreement);
         EXPECT_FALSE(nextEnabled(wizard)) << "neither radio button is on at the start";
         PostMessageA(GetDlgItem(page->hwnd, 1065), BM_CLICK, 0, 0);
@@ -143,15 +148,15 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
         PostMessageA(GetDlgItem(page->hwnd, 1065), BM_CLICK, 0, 0);
         EXPECT_TRUE(eventually([&] { return nextEnabled(wizard); }));
         press(wizard, 1001);
-        EXPECT_TRUE(eventually([&] { return wizard.currentPage == 2; }));
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); }));
         press(wizard, 1000);
-        EXPECT_TRUE(eventually([&] { return wizard.currentPage == 1 && nextEnabled(wizard); }))
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 110) && nextEnabled(wizard); }))
             << "the choice stays when the user comes back";
 
         wizard.settings.createAccount = 0;
         press(wizard, 1000);
-        EXPECT_TRUE(eventually([&] { return wizard.currentPage == 0; }));
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 100); }));
         press(wizard, 1001);
-        EXPECT_TRUE(eventually([&] { return wizard.currentPage == 2; })) << "no new account, no agreement";
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); })) << "no new account, no agreement";
     });
 }
