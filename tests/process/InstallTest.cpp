@@ -2,6 +2,8 @@
 // installation, and with a file in use finished by the restart run.
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "SetupProcess.h"
 
 namespace {
@@ -72,10 +74,43 @@ HWND pageHolding(HWND frame, int id, DWORD timeoutMs = 20000)
     return nullptr;
 }
 
+// What opens documents is the recorder too, for the length of a test.
+class DocumentStandIn {
+public:
+    DocumentStandIn()
+    {
+        char old[1024] = "";
+        DWORD size = sizeof old;
+        if (RegGetValueA(HKEY_CLASSES_ROOT, key, nullptr, RRF_RT_REG_SZ, nullptr, old, &size) == ERROR_SUCCESS)
+            previous = old;
+        RegSetKeyValueA(HKEY_CLASSES_ROOT, ".txt", nullptr, REG_SZ, "txtfile", 8);
+        set("\"" + testFolder() + "recorder.exe\" \"%1\"");
+    }
+    ~DocumentStandIn() { set(previous); }
+
+private:
+    void set(const std::string& command)
+    {
+        RegSetKeyValueA(HKEY_CLASSES_ROOT, key, nullptr, REG_SZ, command.c_str(), static_cast<DWORD>(command.size() + 1));
+    }
+    const char* key = "txtfile\\shell\\open\\command";
+    std::string previous;
+};
+
 class Install : public ::testing::Test {
 protected:
-    void SetUp() override { removeInstallation(); }
-    void TearDown() override { removeInstallation(); }
+    void SetUp() override
+    {
+        removeInstallation();
+        browser.reset(new BrowserStandIn(tempFolder() + "tvopened.txt"));
+    }
+    void TearDown() override
+    {
+        browser.reset();
+        removeInstallation();
+    }
+    std::unique_ptr<BrowserStandIn> browser;
+    DocumentStandIn documents;
 };
 }  // namespace
 
@@ -122,15 +157,17 @@ TEST_F(Install, WizardInstallsThenUpdatesInPlace)
         ASSERT_TRUE(finish) << "no finish page after the copy";
         EXPECT_EQ(uidriver::controlText(frame, IDCANCEL), "&Finish");
         EXPECT_FALSE(IsWindowEnabled(GetDlgItem(frame, 1000)));
-        // Untick both boxes so that Finish opens nothing, then finish.
-        PostMessageA(GetDlgItem(finish, 1018), BM_CLICK, 0, 0);
-        PostMessageA(GetDlgItem(finish, 1031), BM_CLICK, 0, 0);
-        Sleep(200);
-        uidriver::pressButton(frame, IDCANCEL);
+        EXPECT_EQ(IsDlgButtonChecked(finish, 1018), BST_CHECKED);
+        EXPECT_EQ(IsDlgButtonChecked(finish, 1031), BST_CHECKED);
+        uidriver::pressButton(frame, IDCANCEL);  // Finish with both boxes ticked
         EXPECT_EQ(setup.wait(), 0);
     }
     expectInstalled();
-    EXPECT_EQ(readFile(folder + "\\readme.txt").empty(), false) << "Finish copies the readme";
+    EXPECT_FALSE(readFile(folder + "\\readme.txt").empty()) << "Finish copies the readme";
+    std::string opened;
+    for (int i = 0; i < 100 && opened.find("/welcome") == std::string::npos; ++i, Sleep(50)) opened = browser->seen();
+    EXPECT_NE(opened.find(folder + "\\readme.txt"), std::string::npos) << "the readme opens: " << opened;
+    EXPECT_NE(opened.find("http://www.tavrin.example/welcome"), std::string::npos) << opened;
 
     // The second run finds the installation and updates it in its folder.
     SetupProcess update("");
@@ -179,8 +216,25 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
     std::string target = folder + "\\tvprotocol.dll";
     HMODULE held = LoadLibraryA(target.c_str());
     ASSERT_TRUE(held);
-    SetupProcess second("/Q");
-    EXPECT_EQ(second.wait(30000), 0);
+    {
+        SetupProcess second("");
+        HWND frame = second.window(wizardCaption, 20000);
+        ASSERT_TRUE(frame);
+        uidriver::pressButton(frame, 1001);
+        ASSERT_TRUE(pageHolding(frame, 1025)) << "no update page";
+        uidriver::pressButton(frame, 1001);  // Update
+        Sleep(300);
+        uidriver::pressButton(frame, 1001);  // ready: the copy starts
+        EXPECT_EQ(answerBox(second, "Installation Complete", IDNO),
+                  "TavRin Personal installation needs to restart Windows to complete the installation.");
+        HWND finish = pageHolding(frame, 1018);
+        ASSERT_TRUE(finish);
+        PostMessageA(GetDlgItem(finish, 1018), BM_CLICK, 0, 0);
+        PostMessageA(GetDlgItem(finish, 1031), BM_CLICK, 0, 0);
+        Sleep(200);
+        uidriver::pressButton(frame, IDCANCEL);
+        EXPECT_EQ(second.wait(), 0);
+    }
     FreeLibrary(held);
 
     std::string command = readValue(HKEY_CURRENT_USER, runOnceKey, "TavRin");
@@ -196,7 +250,6 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
     EXPECT_NE(readLog().find("- tvdownload.exe copied"), std::string::npos) << "the other files go on";
 
     // The next logon: Windows deletes the value and starts its command.
-    BrowserStandIn browser(tempFolder() + "tvbrowser.txt");
     RegDeleteKeyValueA(HKEY_CURRENT_USER, runOnceKey, "TavRin");
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
@@ -207,6 +260,6 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
     CloseHandle(info.hThread);
     EXPECT_EQ(readValue(HKEY_CLASSES_ROOT, protocolClass, nullptr), target);
     EXPECT_FALSE(exists(script)) << "the restart run removes the extraction folder";
-    EXPECT_NE(browser.seen().find("/welcome"), std::string::npos);
+    EXPECT_NE(browser->seen().find("/welcome"), std::string::npos);
     EXPECT_EQ(readFlag(), "0");
 }
