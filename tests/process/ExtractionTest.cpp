@@ -63,7 +63,9 @@ class Extraction : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        writeFlag("0");
+        // Quiet runs here go on to install: into a folder that stands.
+        removeInstallation();
+        CreateDirectoryA(installFolder.c_str(), nullptr);
         setDebugOverride(false);
         registerServer(nullptr);
         for (const std::string& name : leftovers()) {
@@ -74,7 +76,7 @@ protected:
     void TearDown() override
     {
         setDebugOverride(false);
-        registerServer(nullptr);
+        removeInstallation();
     }
 };
 }  // namespace

@@ -7,7 +7,7 @@
 #include "SetupProcess.h"
 
 namespace {
-const std::string folder = "C:\\Program Files\\TavRin";
+const std::string& folder = installFolder;
 const char* const payload[] = {"TAVRIN.DLL", "TAVRINBH.DLL", "tvdownload.exe", "tvprotocol.dll"};
 const char* const uninstallKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin";
 const char* const runOnceKey = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
@@ -32,21 +32,6 @@ std::string windowsFolder()
     char windows[MAX_PATH];
     GetWindowsDirectoryA(windows, sizeof windows);
     return windows;
-}
-
-// A machine without the product: no folder, no registration, no entries.
-void removeInstallation()
-{
-    for (const char* name : payload) DeleteFileA((folder + "\\" + name).c_str());
-    DeleteFileA((folder + "\\readme.txt").c_str());
-    RemoveDirectoryA(folder.c_str());
-    for (const char* guid : {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7C244-7FA0-11D3-A0E4-0A02B9000000}",
-                             "{16C7C245-7FA0-11D3-A0E4-0A02B9000000}"})
-        RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + guid).c_str());
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, uninstallKey);
-    RegDeleteKeyValueA(HKEY_CURRENT_USER, runOnceKey, "TavRin");
-    DeleteFileA((windowsFolder() + "\\INF\\tvuninst.inf").c_str());
-    writeFlag("0");
 }
 
 void expectInstalled()

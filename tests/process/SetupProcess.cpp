@@ -171,3 +171,29 @@ BrowserStandIn::BrowserStandIn(const std::string& file) : output(file)
 }
 
 BrowserStandIn::~BrowserStandIn() { setBrowser(previous); }
+
+const std::string installFolder = "C:\\Program Files\\TavRin";
+
+void removeInstallation()
+{
+    WIN32_FIND_DATAA found;
+    HANDLE search = FindFirstFileA((installFolder + "\\*").c_str(), &found);
+    if (search != INVALID_HANDLE_VALUE) {
+        do {
+            std::string path = installFolder + "\\" + found.cFileName;
+            SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+            DeleteFileA(path.c_str());
+        } while (FindNextFileA(search, &found));
+        FindClose(search);
+    }
+    RemoveDirectoryA(installFolder.c_str());
+    for (const char* guid : {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7C244-7FA0-11D3-A0E4-0A02B9000000}",
+                             "{16C7C245-7FA0-11D3-A0E4-0A02B9000000}"})
+        RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + guid).c_str());
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin");
+    RegDeleteKeyValueA(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "TavRin");
+    char windows[MAX_PATH];
+    GetWindowsDirectoryA(windows, sizeof windows);
+    DeleteFileA((std::string(windows) + "\\INF\\tvuninst.inf").c_str());
+    writeFlag("0");
+}

@@ -35,6 +35,11 @@ std::string readFlag();
 void writeFlag(const char* value);
 std::string readFile(const std::string& path);
 
+// The product's default folder, which a quiet run needs to exist.
+extern const std::string installFolder;
+// A machine without the product: no folder, files, registrations or entries.
+void removeInstallation();
+
 // For the length of a test the browser is the recorder: App Paths\IEXPLORE.EXE
 // names it, and what it is started with lands in `output` (through the
 // environment, which the program and its children inherit).

@@ -53,9 +53,19 @@ void expectLogHead(const std::vector<std::string>& lines)
     EXPECT_EQ(lines[13], std::string(80, '-'));
     EXPECT_EQ(lines[14], "Begin Installation");
 }
+// Quiet runs here go on to install: into a folder that stands, removed after.
+class Startup : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        removeInstallation();
+        CreateDirectoryA(installFolder.c_str(), nullptr);
+    }
+    void TearDown() override { removeInstallation(); }
+};
 }  // namespace
 
-TEST(Startup, HelpBoxShowsTheOptionsAndLeavesTheFlagAlone)
+TEST_F(Startup, HelpBoxShowsTheOptionsAndLeavesTheFlagAlone)
 {
     writeFlag("1");
     SetupProcess setup("/?");
@@ -69,7 +79,7 @@ TEST(Startup, HelpBoxShowsTheOptionsAndLeavesTheFlagAlone)
     EXPECT_EQ(readFlag(), "1");
 }
 
-TEST(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
+TEST_F(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
 {
     writeFlag("1");
     {
@@ -94,7 +104,7 @@ TEST(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
     EXPECT_EQ(logLines().back(), "Installation Complete");
 }
 
-TEST(Startup, KilledRunKeepsTheFlagForTheNextRun)
+TEST_F(Startup, KilledRunKeepsTheFlagForTheNextRun)
 {
     writeFlag("1");
     SetupProcess first("");
@@ -109,7 +119,7 @@ TEST(Startup, KilledRunKeepsTheFlagForTheNextRun)
     EXPECT_EQ(readFlag(), "0");
 }
 
-TEST(Startup, HostileCommandLinesEndInOrder)
+TEST_F(Startup, HostileCommandLinesEndInOrder)
 {
     writeFlag("0");
     // 10,000 characters in one token: its head still says /Q, and the quiet run

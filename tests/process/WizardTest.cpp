@@ -64,7 +64,7 @@ class Wizard : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        writeFlag("0");
+        removeInstallation();  // a fresh machine: no update page
         // What the shell opens reaches the recorder, which inherits this from the run.
         links = tempFolder() + "tvlinks.txt";
         DeleteFileA(links.c_str());

@@ -126,6 +126,8 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
     WriteFile(file, agreement.data(), static_cast<DWORD>(agreement.size()), &written, nullptr);
     CloseHandle(file);
 
+    // A fresh machine: the update page passes itself over.
+    RegDeleteTreeA(HKEY_CLASSES_ROOT, "CLSID\\{16C7C243-7FA0-11D3-A0E4-0A02B9000000}");
     CInstallWizard wizard(false);
     lstrcpyA(wizard.sourceFolder, folder.c_str());  // the destructor removes it
     wizard.settings.title = "TavRin Personal";
