@@ -10,7 +10,153 @@ wine_session_start || exit 1
 b=$top/build/x64
 
 echo "Extraction (median of 5 rounds, ms): ours = list + one pass per member, as SETUP.EXE does"
-printf "%-28s %8s %10s %12s %14s %8s\n" cabinet members ours expand.exe "program start" ratio
+printf "%-28s %8s %10s %12s %14s %8s\n" cabinet members ours extrac32.exe "program start" ratio
 for cab in "$b/payload/setup.cab" "$b/tests/variants/setup_many.cab"; do
   wine "$b/bench/extract_bench.exe" "$(winepath -w "$cab" 2>/dev/null)" 5 </dev/null 2>/dev/null | tr -d '\r'
 done
+
+# The install engine's copying: one large file, then whole quiet installs (the
+# program's extraction, copy, registration and uninstall entry) against Wine's
+# extrac32.exe and one cmd copy of the same files (Wine's expand.exe cannot
+# unpack a cabinet of several files into a folder).
+echo
+echo "File copy (median of 3 rounds, ms): ours = copyFileBlocks, SETUP.EXE /Q into an existing folder;"
+echo "reference = CopyFileA, extrac32.exe /E of the same cabinet then cmd /c copy of its [Files]"
+printf "%-28s %8s %10s %12s %14s %8s\n" work MB ours reference "program start" ratio
+wine "$b/bench/file_copy_bench.exe" copy 100 3 </dev/null 2>/dev/null | tr -d '\r'
+for pair in "SETUP.EXE:payload/setup.cab" "variants/SETUP_large.EXE:tests/variants/setup_large.cab"; do
+  wine "$b/bench/file_copy_bench.exe" install "$(winepath -w "$b/${pair%%:*}" 2>/dev/null)" \
+    "$(winepath -w "$b/${pair#*:}" 2>/dev/null)" 3 </dev/null 2>/dev/null | tr -d '\r'
+done
+
+# The service exchanges: SETUP.EXE's request path against curl, both posting the
+# same bodies to the reference service, a round of one beside a round of the
+# other so that both see the same load. The service runs for this section only,
+# in test mode on a free port with a throwaway database, and is stopped at its end.
+echo
+echo "Service exchanges (ms: median of 10 round trips, of 5 imports; memory in KB): client = SETUP.EXE's"
+echo "request path under Wine; curl = one curl process per POST, on the host; same bodies, same service"
+(
+  work=$(mktemp -d) || exit 1
+  service_pid=""
+  trap '[ -n "$service_pid" ] && { kill "$service_pid"; wait "$service_pid"; } 2>/dev/null; rm -rf "$work"' EXIT
+  command -v curl >/dev/null || { echo "curl is missing: no reference, section left out"; exit 0; }
+  python3 "$top/service/tavrin_service.py" --port 0 --test-mode --db "$work/tavrin.db" \
+    --port-file "$work/port" --log "$work/service.log" </dev/null >/dev/null 2>>"$work/service.log" &
+  service_pid=$!
+  port=""
+  for _ in $(seq 1 100); do
+    [ -s "$work/port" ] && { port=$(cat "$work/port"); break; }
+    kill -0 "$service_pid" 2>/dev/null || break
+    sleep 0.1
+  done
+  if [ -z "$port" ]; then
+    echo "The TavRin service did not listen within 10 s; its log:"
+    cat "$work/service.log"
+    exit 1
+  fi
+  printf "%-32s %8s %8s %6s %10s %9s %9s %9s\n" exchange client curl ratio "curl start" \
+    "peak WS" "WS start" "curl RSS"
+  # The driver: starts service_bench.exe, hands it a round at a time, runs curl's
+  # round beside it (before it in every other round), then gives it curl's
+  # figures: medians of a round trip, an import and starting curl alone, in ms,
+  # and the largest resident size of a curl process, in KB (from GNU time: a
+  # child of this Python would count Python's own size, which it starts with).
+  timeout 900 python3 - "$b/bench/service_bench.exe" "http://127.0.0.1:$port" "$work" \
+    "$(winepath -w "$work" 2>/dev/null)" <<'EOF'
+import json, os, subprocess, sys, time, urllib.parse, urllib.request
+
+program, url, work, folder = sys.argv[1:5]
+rounds, imports = 10, 5
+registration = url + "/servlet/bookmarks.servlet.install.registrationServlet"
+import_url = url + "/servlet/bookmarks.servlet.install.ImportServlet"
+bench = subprocess.Popen(["wine", program, url, folder, str(rounds), str(imports)],
+                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+
+
+def median(values):
+    return sorted(values)[len(values) // 2]
+
+
+def answer():
+    line = bench.stdout.readline().decode("latin-1").strip()
+    if not line.startswith(("ready", "round ", "import ")):
+        sys.exit("service_bench: " + (line or "ended without a word"))
+    return line
+
+
+def client():
+    bench.stdin.write(b"go\n")
+    bench.stdin.flush()
+    return float(answer().split()[1])
+
+
+def timed(command):
+    start = time.perf_counter()
+    done = subprocess.run(command, stdout=subprocess.PIPE, stdin=subprocess.DEVNULL)
+    return (time.perf_counter() - start) * 1000, done.stdout
+
+
+def post(name, target):
+    took, status = timed(["curl", "-s", "-o", "/dev/null", "-w", "%{http_code}",
+                          "--data-binary", "@%s/%s" % (work, name),
+                          "-H", "Content-Type: application/x-www-form-urlencoded", target])
+    if status != b"200":
+        sys.exit("curl: %s answered %s" % (name, status.decode() or "nothing"))
+    return took
+
+
+def curl_round(r):
+    return post("cu-%02d.txt" % r, registration) + post("add-%02d.txt" % r, registration)
+
+
+def curl_import(i):
+    return post("import-%d.txt" % i, import_url)
+
+
+def side_by_side(count, ours, theirs):
+    mine, reference = [], []
+    for n in range(count):
+        if n % 2:
+            reference.append(theirs(n))
+            mine.append(ours())
+        else:
+            mine.append(ours())
+            reference.append(theirs(n))
+    return mine, reference
+
+
+try:
+    answer()  # "ready": the bodies are written
+    _, round_trips = side_by_side(rounds, client, lambda n: curl_round(n + 1))
+    # curl's imports go to its own accounts, named by the passports of its sign-ups.
+    with open(work + "/shortcuts.txt", "rb") as lines_file:
+        lines = lines_file.read()
+    for i in range(imports):
+        with open("%s/add-%02d.txt" % (work, rounds - i % rounds), "rb") as form:
+            user = urllib.parse.parse_qs(form.read().decode("latin-1"))["UserCode"][0]
+        with urllib.request.urlopen(url + "/__account?user=" + urllib.parse.quote(user)) as reply:
+            passport = json.load(reply)["passports"][0]
+        with open("%s/import-%d.txt" % (work, i), "wb") as body:
+            body.write(b"passport=" + passport.encode() + b"\r\n" + lines)
+    _, import_times = side_by_side(imports, client, curl_import)
+    starts = [timed(["curl", "--version"])[0] for _ in range(rounds)]
+    peak = -1
+    if os.access("/usr/bin/time", os.X_OK):  # the sign-up and import again, measured alone
+        for name, target in (("add-01.txt", registration), ("import-0.txt", import_url)):
+            subprocess.run(["/usr/bin/time", "-f", "%M", "-o", work + "/rss", "curl", "-s", "-o",
+                            "/dev/null", "--data-binary", "@%s/%s" % (work, name), "-H",
+                            "Content-Type: application/x-www-form-urlencoded", target],
+                           stdin=subprocess.DEVNULL)
+            with open(work + "/rss") as rss:
+                peak = max(peak, int(rss.read().split()[-1]))
+    bench.stdin.write(b"reference %.3f %.3f %.3f %d\n"
+                      % (median(round_trips), median(import_times), median(starts), peak))
+    bench.stdin.close()
+    sys.stdout.write(bench.stdout.read().decode("latin-1").replace("\r", ""))
+finally:
+    if bench.stdin and not bench.stdin.closed:
+        bench.stdin.close()
+    bench.wait()
+EOF
+)
