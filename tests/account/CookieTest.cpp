@@ -28,10 +28,6 @@ TEST(CookieDate, AcrossTheEndsOfMonthAndYear)
     EXPECT_EQ("Fri, 01-Mar-2024 08:00:05 GMT", later(2024, 2, 29, 20, 43200));
     EXPECT_EQ("Wed, 01-Mar-2023 02:00:05 GMT", later(2023, 2, 28, 14, 43200));
     EXPECT_EQ("Thu, 29-Feb-2024 23:59:55 GMT", later(2024, 3, 1, 0, -10));
-    SYSTEMTIME t = {2000, 1, 6, 1, 12, 0, 0, 0};
-    char cut[10];
-    formatCookieDate(t, cut, sizeof cut);
-    EXPECT_STREQ("Sat, 01-J", cut);
 }
 
 TEST(SignUpCookies, EachSetCookieLineInOrder)
@@ -47,9 +43,6 @@ TEST(SignUpCookies, EachSetCookieLineInOrder)
         "y=1; expires = " + when,  // no blank behind the colon: a letter is lost
         "c=d; Expires=Sun, 02-Jan-2039", "note=expiresSoon", "; expires = " + when};
     EXPECT_EQ(expected, signUpCookies(headers.data(), headers.size(), when.c_str()));
-    // Cut short, without the empty last string: not read past its end.
-    EXPECT_EQ(std::vector<std::string>{"q=1; expires = " + when},
-              signUpCookies("H\0Set-Cookie: q=1", 17, when.c_str()));
 }
 
 TEST(ReadCookie, PrefixMatchAndSizes)

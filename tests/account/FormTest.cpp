@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "account/AccountDetails.h"
 #include "account/FormEncoding.h"
@@ -30,18 +31,11 @@ TEST(FormBody, DefaultsPersonalAndBusinessRecords)
               "&company_type=&JobTitle=&website=" + machineTail(), blank.formBody);
 
     AccountDetails person;
-    person.Command = "cu";
-    person.CommandAction = "Add";
-    person.Email = "ann.lee@example.com";
-    person.FirstName = "Ann";
-    person.Gender = "F";
-    person.LastName = "O'Lee Smith";
-    person.Industry = 3, person.NewServices = 1, person.Occupation = 12;
+    person.Command = "cu", person.CommandAction = "Add", person.Email = "ann.lee@example.com";
+    person.FirstName = "Ann", person.LastName = "O'Lee Smith", person.Gender = "F";
+    person.Industry = 3, person.NewServices = 1, person.Occupation = 12, person.Country = 2, person.AgeRange = 23;
     person.Password = person.RepeatPassword = "p+ss w&rd";
-    person.PasswordHint = "the usual?";
-    person.UserCode = "ann_lee";
-    person.Zip = "90210";
-    person.Country = 2, person.AgeRange = 23;
+    person.PasswordHint = "the usual?", person.UserCode = "ann_lee", person.Zip = "90210";
     person.buildForm();
     EXPECT_EQ("Command=cu&CommandAction=Add&Email=ann.lee@example.com&FirstName=Ann&Gender=F"
               "&LastName=O'Lee+Smith&Industry=3&NewServices=Y&Occupation=12&Password=p+ss+w%26rd"
@@ -51,17 +45,12 @@ TEST(FormBody, DefaultsPersonalAndBusinessRecords)
 
     AccountDetails firm;
     firm.Command = firm.CommandAction = "AddTrial";
-    firm.Email = "boss@smith.example";
-    firm.FirstName = "Bo", firm.LastName = "Smith";
+    firm.Email = "boss@smith.example", firm.FirstName = "Bo", firm.LastName = "Smith";
     firm.Country = -1;  // a negative number keeps its sign
     firm.Password = firm.RepeatPassword = "x";
     firm.PasswordHint = "h", firm.UserCode = "smith", firm.Zip = "N1 9GU";
-    firm.Phone = "+1 (555) 010-9999";
-    firm.company_name = "Smith & Sons, Inc.";
-    firm.number_of_employees = 20;
-    firm.company_type = "Small Business";
-    firm.JobTitle = "CEO/Owner";
-    firm.website = "http://smith.example/~home?a=1";
+    firm.Phone = "+1 (555) 010-9999", firm.company_name = "Smith & Sons, Inc.", firm.number_of_employees = 20;
+    firm.company_type = "Small Business", firm.JobTitle = "CEO/Owner", firm.website = "http://smith.example/~home?a=1";
     firm.buildForm();
     firm.buildForm();  // anew, not appended
     EXPECT_EQ("Command=AddTrial&CommandAction=AddTrial&Email=boss@smith.example&FirstName=Bo"
@@ -86,15 +75,13 @@ TEST(FormBody, EscapingByByte)
 
 TEST(TimeZone, TableEdges)
 {
-    const DWORD known = TIME_ZONE_ID_STANDARD;
-    EXPECT_STREQ("GMT", timeZoneName(known, 29));  // under half an hour
     EXPECT_STREQ("PST", timeZoneName(TIME_ZONE_ID_UNKNOWN, 0));  // whatever the bias
     EXPECT_STREQ("PST", timeZoneName(TIME_ZONE_ID_INVALID, 300));
     EXPECT_STREQ("EST", timeZoneName(TIME_ZONE_ID_DAYLIGHT, 300));
-    EXPECT_STREQ("IST", timeZoneName(known, -330));
-    EXPECT_STREQ("IST", timeZoneName(known, -345));  // -11.5 half hours truncate to -11
-    EXPECT_STREQ("AGT", timeZoneName(known, 210));
-    EXPECT_STREQ("NST", timeZoneName(known, 720));
-    EXPECT_STREQ("SST", timeZoneName(known, -660));
-    for (LONG noRow : {-720, 480, 120, 45}) EXPECT_STREQ("PST", timeZoneName(known, noRow)) << noRow;
+    // Minutes west: under half an hour, -11.5 half hours truncated to -11, the first and last rows, a
+    // half-hour row, and biases without a row.
+    const std::pair<LONG, const char*> rows[] = {{29, "GMT"},  {-330, "IST"}, {-345, "IST"}, {-660, "SST"},
+                                                 {720, "NST"}, {210, "AGT"},  {-720, "PST"}, {480, "PST"},
+                                                 {120, "PST"}, {45, "PST"}};
+    for (const auto& r : rows) EXPECT_STREQ(r.second, timeZoneName(TIME_ZONE_ID_STANDARD, r.first)) << r.first;
 }

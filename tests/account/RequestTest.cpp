@@ -5,7 +5,6 @@
 #include <windows.h>
 #include <wininet.h>
 
-#include <algorithm>
 #include <string>
 
 #include "TestSupport.h"
@@ -14,32 +13,8 @@
 #include "account/InternetSession.h"
 
 namespace {
-const char* const settingsKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
-
-// Wine's proxy credentials dialog reads the session's proxy name and faults
-// when there is none: these tests name the service itself as the proxy.
-struct CProxySetting {
-    explicit CProxySetting(bool wanted) : active(wanted)
-    {
-        if (!active) return;
-        DWORD enable = 1;
-        std::string server = serviceUrl().substr(std::min<size_t>(7, serviceUrl().size()));
-        RegSetKeyValueA(HKEY_CURRENT_USER, settingsKey, "ProxyEnable", REG_DWORD, &enable, 4);
-        RegSetKeyValueA(HKEY_CURRENT_USER, settingsKey, "ProxyServer", REG_SZ, server.c_str(),
-                        static_cast<DWORD>(server.size() + 1));
-    }
-    ~CProxySetting()
-    {
-        if (!active) return;
-        RegDeleteKeyValueA(HKEY_CURRENT_USER, settingsKey, "ProxyEnable");
-        RegDeleteKeyValueA(HKEY_CURRENT_USER, settingsKey, "ProxyServer");
-    }
-    bool active;
-};
-
 class Request : public ::testing::Test {
 protected:
-    explicit Request(bool proxy = false) : proxySetting(proxy) {}
     void SetUp() override
     {
         ASSERT_FALSE(serviceUrl().empty()) << "TAVRIN_SERVICE_URL is not set";
@@ -50,18 +25,11 @@ protected:
     {
         return CReplyHolder(session.postForm((serviceUrl() + path).c_str(), body, strlen(body)));
     }
-    CProxySetting proxySetting;  // before the session, which reads it
     CInternetSession session;
 };
-
-class ProxyRequest : public Request {
-protected:
-    ProxyRequest() : Request(true) {}
-};
-
 }  // namespace
 
-TEST_F(Request, RepliesWhateverTheirStatus)
+TEST_F(Request, RepliesWhateverTheirStatusAndNoneWithoutAServer)
 {
     CBoxAnswerer boxes;
     CReplyHolder missing = post("/no/such/page");
@@ -82,7 +50,9 @@ TEST_F(Request, RepliesWhateverTheirStatus)
     CReplyHolder zero = post("/zero");
     ASSERT_TRUE(zero);
     EXPECT_STREQ("abc", zero->replyBody.text());  // text: a zero byte ends its piece
-    EXPECT_TRUE(boxes.stop().empty());
+
+    EXPECT_EQ(nullptr, session.postForm("http://127.0.0.1:1/x", "a=b", 3));  // no server: no reply, one box
+    EXPECT_EQ(std::vector<std::string>{"box:The attempt to connect to the server failed."}, boxes.stop());
 }
 
 TEST_F(Request, WhatReachesTheServer)
@@ -104,47 +74,4 @@ TEST_F(Request, WhatReachesTheServer)
     const std::string& cookies = seen[0].headers.back().second;
     EXPECT_NE(std::string::npos, cookies.find("first=1")) << cookies;
     EXPECT_NE(std::string::npos, cookies.find("second=2")) << cookies;
-}
-
-TEST_F(Request, NoServerListening)
-{
-    CBoxAnswerer boxes;
-    EXPECT_EQ(nullptr, session.postForm("http://127.0.0.1:1/x", "a=b", 3));
-    EXPECT_EQ(std::vector<std::string>{"box:The attempt to connect to the server failed."}, boxes.stop());
-}
-
-TEST_F(ProxyRequest, CredentialsDialogResendsTheSameRequest)
-{
-    ASSERT_TRUE(storeCookie(serviceUrl().c_str(), "crumb=1"));
-    addFault("path=/proxy&status=407");
-    CBoxAnswerer dialog("Enter Network Password", IDOK);
-    CReplyHolder reply = post("/proxy", "k=v");
-    EXPECT_EQ(1u, dialog.stop().size());
-    ASSERT_TRUE(reply);
-    EXPECT_EQ(404u, reply->statusCode);  // the service's own answer to the resend
-    std::vector<SeenRequest> seen = lastRequests(2);
-    ASSERT_EQ(2u, seen.size());
-    for (const SeenRequest& r : seen) {
-        EXPECT_EQ("k=v", r.body);
-        EXPECT_EQ(1, r.count("Content-Type"));
-        EXPECT_EQ(1, r.count("Cookie"));  // replaced, not doubled
-    }
-
-    // At most three dialogs: the fourth 407 is delivered, with its text.
-    addFault("path=/proxy&status=407&body=still+no&count=0");
-    CBoxAnswerer dialogs("Enter Network Password", IDOK);
-    CReplyHolder last = post("/proxy");
-    EXPECT_EQ(3u, dialogs.stop().size());
-    ASSERT_TRUE(last);
-    EXPECT_EQ(407u, last->statusCode);
-    EXPECT_STREQ("still no", last->replyBody.text());
-
-    // Cancelled: the 407 as it came.
-    clearFaults();
-    addFault("path=/proxy&status=407&body=cancelled");
-    CBoxAnswerer cancel("Enter Network Password", IDCANCEL);
-    CReplyHolder refused = post("/proxy");
-    EXPECT_EQ(1u, cancel.stop().size());
-    ASSERT_TRUE(refused);
-    EXPECT_STREQ("cancelled", refused->replyBody.text());
 }

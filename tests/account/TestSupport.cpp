@@ -91,9 +91,9 @@ std::vector<SeenRequest> lastRequests(int count)
     return requests;
 }
 
-CBoxAnswerer::CBoxAnswerer(const char* boxCaption, int pressed)
-    : caption(boxCaption), button(pressed), thread([this] {
-          uidriver::WindowQuery query{caption, GetCurrentProcessId(), false};
+CBoxAnswerer::CBoxAnswerer()
+    : thread([this] {
+          uidriver::WindowQuery query{"Error", GetCurrentProcessId(), false};
           while (!stopping) {
               HWND box = uidriver::findWindow(query);
               if (!box) {
@@ -103,7 +103,7 @@ CBoxAnswerer::CBoxAnswerer(const char* boxCaption, int pressed)
               seen.push_back(GetDlgItem(box, IDC_ERROR_LIST_TEXT)
                                  ? "list:" + uidriver::controlText(box, IDC_ERROR_LIST_TEXT)
                                  : "box:" + uidriver::messageText(box));
-              uidriver::pressButton(box, button);
+              uidriver::pressButton(box, IDOK);
               while (IsWindowVisible(box)) Sleep(20);
           }
       })

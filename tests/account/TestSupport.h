@@ -26,19 +26,17 @@ std::vector<SeenRequest> lastRequests(int count);
 // Every string literal of a JSON text, in order, escapes decoded.
 std::vector<std::string> jsonStrings(const std::string& json);
 
-// Answers from a second thread every window of this process captioned
-// `caption` with `button`, recording "list:" and the error list's text or
-// "box:" and a message box's. The code under test shows its boxes modally,
-// so when it has returned, stop() has all of them.
+// Answers with OK, from a second thread, every window of this process captioned
+// "Error", recording "list:" and the error list's text or "box:" and a message
+// box's. The code under test shows its boxes modally, so when it has returned,
+// stop() has all of them.
 class CBoxAnswerer {
 public:
-    explicit CBoxAnswerer(const char* caption = "Error", int button = IDOK);
+    CBoxAnswerer();
     ~CBoxAnswerer() { stop(); }
     std::vector<std::string> stop();
 
 private:
-    std::string caption;
-    int button;
     std::atomic<bool> stopping{false};
     std::vector<std::string> seen;
     std::thread thread;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "UnitFiles.h"
 #include "description/PathHelpers.h"
 #include "wizard/InstallWizard.h"
 
@@ -15,16 +16,6 @@ template <size_t N> struct Framed {
     Framed() { memset(this, 'G', sizeof *this); }
     bool guardIntact() const { return std::string(guard, 16) == std::string(16, 'G'); }
 };
-
-bool makeFile(const std::string& path, const char* content)
-{
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    DWORD written;
-    bool ok = WriteFile(file, content, strlen(content), &written, nullptr);
-    CloseHandle(file);
-    return ok;
-}
 }  // namespace
 
 TEST(PathHelpers, JoinPathAddsOneBackslashAndCuts)
@@ -54,31 +45,29 @@ TEST(PathHelpers, TrimSpacesFromBothEnds)
 
 TEST(PathHelpers, FoldersAreMadeFoundAndRemoved)
 {
-    char temp[MAX_PATH];
-    GetTempPathA(sizeof temp, temp);
-    const std::string base = temp + ("TavRinPaths" + std::to_string(GetCurrentProcessId()));
-    ASSERT_TRUE(createFolderPath((base + "\\one\\two\\three").c_str()));
-    EXPECT_TRUE(folderExists((base + "\\one\\two").c_str()));
-    EXPECT_FALSE(folderExists((base + "\\one\\").c_str()));
-    EXPECT_FALSE(folderExists((base + "\\none").c_str()));
-    ASSERT_TRUE(makeFile(base + "\\one\\five.txt", "12345"));
-    EXPECT_FALSE(folderExists((base + "\\one\\five.txt").c_str()));
-    EXPECT_EQ(5u, fileSizeOf((base + "\\one\\five.txt").c_str()));
-    EXPECT_EQ(0u, fileSizeOf((base + "\\one\\missing.txt").c_str()));
+    const std::string base = tempFolder("TavRinPaths");
+    auto at = [&](const char* inside) { return base + "\\" + inside; };
+    ASSERT_TRUE(createFolderPath(at("one\\two\\three").c_str()));
+    EXPECT_TRUE(folderExists(at("one\\two").c_str()));
+    EXPECT_FALSE(folderExists(at("one\\").c_str()));
+    EXPECT_FALSE(folderExists(at("none").c_str()));
+    ASSERT_TRUE(writeFile(at("one\\five.txt"), "12345"));
+    EXPECT_FALSE(folderExists(at("one\\five.txt").c_str()));
+    EXPECT_EQ(5u, fileSizeOf(at("one\\five.txt").c_str()));
+    EXPECT_EQ(0u, fileSizeOf(at("one\\missing.txt").c_str()));
 
-    ASSERT_TRUE(makeFile(base + "\\one\\two\\.keep", "k"));
-    ASSERT_TRUE(createFolderPath((base + "\\.hidden").c_str()));
-    ASSERT_TRUE(makeFile(base + "\\.hidden\\inside.txt", "i"));
-    ASSERT_TRUE(makeFile(base + "\\one\\two\\three\\deep.txt", "d"));
+    ASSERT_TRUE(createFolderPath(at(".hidden").c_str()));
+    for (const char* name : {"one\\two\\.keep", ".hidden\\inside.txt", "one\\two\\three\\deep.txt"})
+        ASSERT_TRUE(writeFile(at(name), "x"));
     EXPECT_FALSE(removeTree(base.c_str()));  // names beginning with a point stay, so their folders too
     EXPECT_TRUE(fileExists(base.c_str(), "one\\two\\.keep"));
     EXPECT_TRUE(fileExists(base.c_str(), ".hidden\\inside.txt"));
     EXPECT_FALSE(fileExists(base.c_str(), "one\\five.txt"));
     EXPECT_FALSE(fileExists(base.c_str(), "one\\two\\three"));
 
-    DeleteFileA((base + "\\one\\two\\.keep").c_str());
-    DeleteFileA((base + "\\.hidden\\inside.txt").c_str());
-    RemoveDirectoryA((base + "\\.hidden").c_str());
+    DeleteFileA(at("one\\two\\.keep").c_str());
+    DeleteFileA(at(".hidden\\inside.txt").c_str());
+    RemoveDirectoryA(at(".hidden").c_str());
     EXPECT_TRUE(removeTree(base.c_str()));
     EXPECT_FALSE(fileExists(base.c_str(), nullptr));
 }
@@ -95,15 +84,9 @@ protected:
 
 TEST_F(MacroTest, NamesAreReplacedWithoutRegardToCase)
 {
-    EXPECT_EQ("Welcome to the installer", expand("Welcome to the installer"));
     EXPECT_EQ("TavRin Personal/TavRin Personal/TavRin Personal", expand("%title%/%Title%/%TITLE%"));
     EXPECT_EQ("ab", expand("a%NOSUCH%b"));
     EXPECT_EQ("100% sure", expand("100% sure"));
-    char value[64];
-    EXPECT_EQ(1, wizard.lookupMacro("title", value, sizeof value));
-    EXPECT_STREQ("TavRin Personal", value);
-    EXPECT_EQ(0, wizard.lookupMacro("NOSUCH", value, sizeof value));
-    EXPECT_STREQ("", value);
     wizard.settings.title.clear();
     EXPECT_EQ("[]", expand("[%TITLE%]"));
 }

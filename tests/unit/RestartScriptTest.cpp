@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
+#include <windows.h>
 
-#include <random>
+#include <cstring>
 #include <string>
 
+#include "BoundedText.h"
+#include "UnitFiles.h"
 #include "engine/RestartScript.h"
+#include "wizard/InstallWizard.h"
 
 namespace {
 // "D|first|second" per command: Destination, Source, Copy, Regsvr32.
@@ -32,36 +36,86 @@ TEST(RestartScript, ReadsTheFourCommandsInOrder)
                                            "copy\r\n"
                                            "COPY  target only\n\n\n"
                                            "copy x y z")));
-    EXPECT_EQ("", describe(readRestartCommands("\r\n\r\n\n")));
 }
 
-TEST(RestartScript, PathsAreCutTo259Characters)
+TEST(RestartScript, AnyByteButALineEndStaysInItsLineAndPathsAreCut)
 {
-    const std::string a(400, 'a'), b(300, 'b'), a259 = a.substr(0, 259), b259 = b.substr(0, 259);
-    EXPECT_EQ("D|" + a259 + "|\nC|" + a259 + "|" + b259 + "\nR|" + b259 + "|\n",
-              describe(readRestartCommands(("Destination=" + a + "\r\ncopy " + a + " " + b + "\r\nregsvr32 " + b).c_str())));
-}
-
-TEST(RestartScript, RandomBytesInLongLines)
-{
-    std::mt19937 random(20240517);
-    const char* starts[] = {"copy ", "regsvr32 ", "Destination=", "SOURCE=", ""};
+    std::string any;  // every byte but NUL, CR and LF, twice: longer than a path
+    for (int i = 0; i < 510; ++i)
+        if (i % 255 + 1 != '\r' && i % 255 + 1 != '\n') any += static_cast<char>(i % 255 + 1);
     std::string text;
-    size_t destinations = 0;
-    for (int line = 0; text.size() < 4000000; ++line) {
-        destinations += line % 5 == 2;
-        text += starts[line % 5];
-        for (size_t n = text.size() + 5000; text.size() < n;) {
-            char c = static_cast<char>(random() % 255 + 1);
-            if (c != '\r' && c != '\n') text += c;
-        }
-        text += line % 2 ? "\r\n" : "\n";
+    for (const char* start : {"Destination=", "copy ", "regsvr32 ", "SOURCE="}) text += start + any + "\r\n";
+    text += std::string(any.rbegin(), any.rend()) + "\n";  // from 0xFF down: no command
+    const std::string cut = any.substr(0, 259);
+    const size_t blank = any.find(' ');
+    EXPECT_EQ("D|" + cut + "|\nC|" + any.substr(0, blank) + "|" + any.substr(blank + 1, 259) + "\nR|" + cut +
+                  "|\nS|" + cut + "|\n",
+              describe(readRestartCommands(text.c_str())));
+}
+
+TEST(RestartScriptWriter, WritesWhatTheReaderReads)
+{
+    const std::string source = tempFolder("TavRin Setup");  // a blank, as a user name may put one there
+    ASSERT_TRUE(writeFile(source + "\\TAVRIN.DLL", "dll"));
+    char shortDll[MAX_PATH] = "";
+    GetShortPathNameA((source + "\\TAVRIN.DLL").c_str(), shortDll, sizeof shortDll);
+    ASSERT_NE(0, shortDll[0]);
+    ASSERT_EQ(nullptr, strchr(shortDll, ' '));
+
+    CInstallWizard wizard(false);
+    wizard.settings.destination = "C:\\Program Files\\Tav Rin";
+    copyText(wizard.sourceFolder, source.c_str(), sizeof wizard.sourceFolder);
+    std::string script = "left over";
+    startRestartScript(script, wizard);
+    CInstallFile dll, codec;
+    dll.fileName = "TAVRIN.DLL", dll.autoReg = true;
+    dll.destFolder = wizard.settings.destination, dll.sourceFolder = source;
+    appendRestartEntry(dll, script);
+    // A source that does not exist has no short form and stands in its long one.
+    codec.fileName = "tvcodec.acm", codec.acmReg = true;
+    codec.destFolder = "C:\\windows\\system32\\", codec.sourceFolder = "C:\\NoSuchSetupFolder\\";
+    appendRestartEntry(codec, script);
+    const std::string dllTarget = "C:\\Program Files\\Tav Rin\\TAVRIN.DLL";
+    const std::string codecSource = "C:\\NoSuchSetupFolder\\tvcodec.acm";
+    const std::string codecTarget = "C:\\windows\\system32\\tvcodec.acm";
+    EXPECT_EQ("## TavRin Installation Reboot Script ##\r\nDestination=C:\\Program Files\\Tav Rin\r\nSource=" + source +
+                  "\r\ncopy " + shortDll + " " + dllTarget + "\r\nregsvr32 " + dllTarget + "\r\ncopy " + codecSource +
+                  " " + codecTarget + "\r\nregsvr32 " + codecTarget + "\r\n",
+              script);
+    EXPECT_EQ("D|C:\\Program Files\\Tav Rin|\nS|" + source + "|\nC|" + shortDll + "|" + dllTarget + "\nR|" + dllTarget +
+                  "|\nC|" + codecSource + "|" + codecTarget + "\nR|" + codecTarget + "|\n",
+              describe(readRestartCommands(script.c_str())));
+    DeleteFileA((source + "\\TAVRIN.DLL").c_str());
+    RemoveDirectoryA(source.c_str());
+}
+
+TEST(RestartScriptWriter, ScriptFileAndRunOnceValue)
+{
+    const char runOncePath[] = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
+    const std::string source = tempFolder("TavRin Restart"), scriptPath = source + "\\tavrin.rss";
+    ASSERT_TRUE(writeFile(scriptPath, std::string(5000, 'x')));  // an older, longer script
+    CInstallWizard wizard(false);
+    copyText(wizard.sourceFolder, source.c_str(), sizeof wizard.sourceFolder);
+    const std::string script = "## TavRin Installation Reboot Script ##\r\ncopy a b\r\n";
+
+    HKEY key;
+    const bool hadKey = RegOpenKeyExA(HKEY_CURRENT_USER, runOncePath, 0, KEY_ALL_ACCESS, &key) == ERROR_SUCCESS;
+    if (!hadKey) {  // (as in a new Wine prefix) the program does not make the key
+        writeRestartScript(&wizard, script);
+        EXPECT_NE(ERROR_SUCCESS, RegOpenKeyExA(HKEY_CURRENT_USER, runOncePath, 0, KEY_READ, &key));
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExA(HKEY_CURRENT_USER, runOncePath, 0, nullptr, 0, KEY_ALL_ACCESS,
+                                                 nullptr, &key, nullptr));
     }
-    size_t found = 0;
-    for (const auto& c : readRestartCommands(text.c_str())) {
-        ASSERT_LE(c.first.size(), 259u);
-        ASSERT_LE(c.second.size(), 259u);
-        found += c.kind == CRestartCommand::destination;
-    }
-    EXPECT_EQ(destinations, found);
+    writeRestartScript(&wizard, script);
+    EXPECT_EQ(script, readFile(scriptPath));
+    char program[MAX_PATH], value[2048] = "";
+    ASSERT_NE(0u, GetModuleFileNameA(nullptr, program, sizeof program));
+    DWORD size = sizeof value;
+    EXPECT_EQ(ERROR_SUCCESS, RegGetValueA(key, nullptr, "TavRin", RRF_RT_REG_SZ, nullptr, value, &size));
+    EXPECT_EQ(std::string(program) + " -restart " + scriptPath, value);
+    RegDeleteValueA(key, "TavRin");
+    RegCloseKey(key);
+    if (!hadKey) RegDeleteKeyA(HKEY_CURRENT_USER, runOncePath);
+    DeleteFileA(scriptPath.c_str());
+    RemoveDirectoryA(source.c_str());
 }

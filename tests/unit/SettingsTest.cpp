@@ -4,35 +4,27 @@
 
 #include <string>
 
-#include "description/PathHelpers.h"
-#include "description/ProfileLists.h"
+#include "UnitFiles.h"
 #include "description/VersionInfo.h"
 #include "wizard/InstallWizard.h"
 
 namespace {
 class SettingsLoad : public ::testing::Test {
 protected:
-    void SetUp() override
+    const std::string folder = tempFolder("TavRinSettings"), path = folder + "\\setup.ini";
+    CInstallWizard wizard{false};
+    void SetUp() override { RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin\\Debug"); }
+    void TearDown() override
     {
-        char temp[MAX_PATH];
-        GetTempPathA(sizeof temp, temp);
-        path = std::string(temp) + "tvsettings" + std::to_string(GetCurrentProcessId()) + ".ini";
-        RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin\\Debug");
+        DeleteFileA(path.c_str());
+        RemoveDirectoryA(folder.c_str());
     }
-    void TearDown() override { DeleteFileA(path.c_str()); }
-
     CInstallSettings& load(const std::string& text)
     {
-        HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        DWORD written;
-        WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-        CloseHandle(file);
+        EXPECT_TRUE(writeFile(path, text));
         wizard.settings.load(&wizard, path.c_str());
         return wizard.settings;
     }
-
-    std::string path;
-    CInstallWizard wizard{false};
 };
 }  // namespace
 
@@ -59,25 +51,19 @@ TEST_F(SettingsLoad, BooleansFieldsAndDefaults)
     EXPECT_EQ(s.files[0].destFolder, std::string(system) + "\\codecs");
     EXPECT_FALSE(s.files[1].autoReg || s.files[1].upgradeCheck || s.files[1].fixedDestination);
     EXPECT_EQ(s.files[1].company, "Other Inc");
-    EXPECT_EQ(s.files[1].version, "0.0.0.0");
 
-    ASSERT_EQ(s.detectKills.size(), 4u);
-    // The empty first field vanishes and the later ones move up.
-    EXPECT_EQ(s.detectKills[0].windowTitle, "TRUE");
-    EXPECT_EQ(s.detectKills[0].flagA, 1);
-    EXPECT_FALSE(s.detectKills[0].flagB);
-    EXPECT_EQ(s.detectKills[1].flagA, 1);
-    EXPECT_EQ(s.detectKills[2].windowTitle, "Some Title");
-    EXPECT_EQ(s.detectKills[2].flagA, 1);
-    EXPECT_EQ(s.detectKills[3].flagA, 0);
-    EXPECT_TRUE(s.detectKills[3].flagB);
+    // Class|title|flags; an empty first field vanishes and the later ones move up.
+    std::string kills;
+    for (const auto& k : s.detectKills)
+        kills += k.windowClass + "|" + k.windowTitle + "|" + std::to_string(k.flagA) + std::to_string(k.flagB) + "\n";
+    EXPECT_EQ("IEFrame|TRUE|10\nEmpty||10\nTitled|Some Title|10\nBoth|T|01\n", kills);
 
-    ASSERT_EQ(s.registryChecks.size(), 2u);
-    EXPECT_EQ(s.registryChecks[0].comparison, "VERGREATER");
-    EXPECT_EQ(s.registryChecks[0].version, "");
-    EXPECT_EQ(s.registryChecks[1].keyPath, "Key");
-    EXPECT_EQ(s.registryChecks[1].version, "1.2");
-    EXPECT_EQ(s.registryChecks[1].flag, 1);
+    std::string checks;
+    for (const auto& c : s.registryChecks)
+        checks += c.name + "|" + c.keyPath + "|" + c.valueName + "|" + c.comparison + "|" + c.version + "|" +
+                  std::to_string(c.flag) + "\n";
+    EXPECT_EQ("Browser|HKEY_LOCAL_MACHINE\\Software\\X|Version|VERGREATER||0\n"
+              "Name|Key|Value|VERLESSER|1.2|1\n", checks);  // fewer fields, and empty ones that vanish
 }
 
 TEST_F(SettingsLoad, MissingSectionsGiveOneEmptyRecordEach)
@@ -85,12 +71,9 @@ TEST_F(SettingsLoad, MissingSectionsGiveOneEmptyRecordEach)
     auto& s = load("[Install]\r\nregoserver=http://host\r\nregocommand=AddTrial\r\n");
     EXPECT_EQ(s.serverRoot, "http://host");
     EXPECT_EQ(s.regoCommand, "AddTrial");
-    ASSERT_EQ(s.files.size(), 1u);
-    EXPECT_EQ(s.files[0].fileName, "");
-    ASSERT_EQ(s.detectKills.size(), 1u);
-    EXPECT_EQ(s.detectKills[0].windowClass, "");
-    ASSERT_EQ(s.registryChecks.size(), 1u);
-    EXPECT_EQ(s.registryChecks[0].keyPath, "");
+    EXPECT_TRUE(s.files.size() == 1 && s.files[0].fileName.empty());
+    EXPECT_TRUE(s.detectKills.size() == 1 && s.detectKills[0].windowClass.empty());
+    EXPECT_TRUE(s.registryChecks.size() == 1 && s.registryChecks[0].keyPath.empty());
 }
 
 TEST_F(SettingsLoad, KeyListStopsAtItsBuffer)
@@ -103,18 +86,6 @@ TEST_F(SettingsLoad, KeyListStopsAtItsBuffer)
     EXPECT_LT(s.files.size(), 80u);
     for (size_t i = 0; i < s.files.size(); ++i)
         EXPECT_EQ(("FILE" + std::to_string(1000 + i) + ".DLL").rfind(s.files[i].fileName, 0), 0u);
-}
-
-TEST(ProfileLists, KeyWalkAndCommaSplit)
-{
-    const char list[] = "one\0two\0\0junk";
-    EXPECT_EQ(walkKeyList(list, sizeof list), (std::vector<std::string>{"one", "two"}));
-    char cut[8] = {'a', 'b', 0, 'c', 'd', 'e', 'f', 0};  // the platform's cut, no second zero
-    EXPECT_EQ(walkKeyList(cut, sizeof cut), (std::vector<std::string>{"ab", "cdef"}));
-    EXPECT_EQ(walkKeyList("\0\0", 2), std::vector<std::string>{""});
-    EXPECT_EQ(splitCommaList(",,a, b,,c,"), (std::vector<std::string>{"a", " b", "c"}));
-    EXPECT_TRUE(splitCommaList(",,,").empty());
-    EXPECT_TRUE(profileBool("true") && !profileBool("1") && !profileBool("TRUE ") && !profileBool(""));
 }
 
 TEST(PayloadVersions, ReadFromTheBuiltFiles)

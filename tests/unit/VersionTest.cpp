@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <vector>
 
 #include "analysis/Versions.h"
 
@@ -19,11 +20,8 @@ TEST(Versions, ParseTakesFourSignedFields)
         {"4294967297.-4294967297", INT_MAX, INT_MIN, 0, 0},  // no wrap beyond 32 bits
     };
     for (const auto& c : cases) {
-        CVersion v = parseVersion(c.text);
-        EXPECT_EQ(c.a, v.field[0]) << c.text;
-        EXPECT_EQ(c.b, v.field[1]) << c.text;
-        EXPECT_EQ(c.c, v.field[2]) << c.text;
-        EXPECT_EQ(c.d, v.field[3]) << c.text;
+        const CVersion v = parseVersion(c.text);
+        EXPECT_EQ((std::vector<int>{c.a, c.b, c.c, c.d}), std::vector<int>(v.field, v.field + 4)) << c.text;
     }
 }
 
