@@ -16,15 +16,6 @@ const char* const classIds[] = {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7
 const char* const uninstallKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin";
 const char* const runOnceKey = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
 
-bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
-std::string readValue(HKEY root, const char* key, const char* name)
-{
-    char value[4096] = "";
-    DWORD size = sizeof value - 1;
-    if (RegGetValueA(root, key, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return "(none)";
-    return value;
-}
 
 std::string registeredServer(const char* classId)
 {
@@ -40,19 +31,6 @@ std::string infPath()
 
 // A file as the build made it: what the cabinet carries.
 std::string built(const std::string& path) { return readFile(testFolder() + "..\\..\\" + path); }
-
-void removeInstallation()
-{
-    for (const char* name : {"TAVRIN.DLL", "LARGE.BIN", "TAVRINBH.DLL", "tvdownload.exe", "tvprotocol.dll",
-                             "readme.txt"})
-        DeleteFileA((folder + "\\" + name).c_str());
-    RemoveDirectoryA(folder.c_str());
-    for (const char* id : classIds) RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + id).c_str());
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, uninstallKey);
-    RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, runOnceKey, "TavRinUninstall");
-    DeleteFileA(infPath().c_str());
-    writeFlag("0");
-}
 
 // The visible page of the frame with this control id, or with a static text.
 HWND pageWith(HWND frame, int id, const char* text = nullptr, DWORD timeoutMs = 20000)

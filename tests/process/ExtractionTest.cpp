@@ -12,7 +12,6 @@ const char* const productMembers[] = {"tavrin.dll",    "TavRinBH.dll", "tvdownlo
                                       "setup.ini",      "SidePanel.bmp"};
 const char* const guid = "CLSID\\{16C7C243-7FA0-11D3-A0E4-0A02B9000000}";
 
-bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 // Names in the temporary folder that a run may leave: tavrin* and tv*.tmp.
 std::vector<std::string> leftovers()

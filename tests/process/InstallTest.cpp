@@ -12,15 +12,6 @@ const char* const payload[] = {"TAVRIN.DLL", "TAVRINBH.DLL", "tvdownload.exe", "
 const char* const uninstallKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin";
 const char* const runOnceKey = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
 
-bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
-std::string readValue(HKEY root, const char* key, const char* name)
-{
-    char value[4096] = "";
-    DWORD size = sizeof value - 1;
-    if (RegGetValueA(root, key, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return "(none)";
-    return value;
-}
 
 std::string registeredServer()
 {

@@ -172,6 +172,16 @@ BrowserStandIn::BrowserStandIn(const std::string& file) : output(file)
 
 BrowserStandIn::~BrowserStandIn() { setBrowser(previous); }
 
+bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+std::string readValue(HKEY root, const char* key, const char* name)
+{
+    char value[4096] = "";
+    DWORD size = sizeof value - 1;
+    if (RegGetValueA(root, key, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return "(none)";
+    return value;
+}
+
 const std::string installFolder = "C:\\Program Files\\TavRin";
 
 void removeInstallation()
@@ -192,6 +202,7 @@ void removeInstallation()
         RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + guid).c_str());
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin");
     RegDeleteKeyValueA(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "TavRin");
+    RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "TavRinUninstall");
     char windows[MAX_PATH];
     GetWindowsDirectoryA(windows, sizeof windows);
     DeleteFileA((std::string(windows) + "\\INF\\tvuninst.inf").c_str());

@@ -35,6 +35,10 @@ std::string readFlag();
 void writeFlag(const char* value);
 std::string readFile(const std::string& path);
 
+bool exists(const std::string& path);
+// A string value of the registry; "(none)" when it cannot be read.
+std::string readValue(HKEY root, const char* key, const char* name);
+
 // The product's default folder, which a quiet run needs to exist.
 extern const std::string installFolder;
 // A machine without the product: no folder, files, registrations or entries.
