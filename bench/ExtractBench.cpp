@@ -9,18 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "BenchClock.h"
 #include "analysis/CabinetFile.h"
 #include "description/PathHelpers.h"
 
 namespace {
-double now()
-{
-    LARGE_INTEGER count, frequency;
-    QueryPerformanceCounter(&count);
-    QueryPerformanceFrequency(&frequency);
-    return 1000.0 * count.QuadPart / frequency.QuadPart;
-}
-
 std::string scratchFolder(const char* name)
 {
     char temp[MAX_PATH];
@@ -44,28 +37,6 @@ double ours(const char* cabinet, size_t& members)
     return took;
 }
 
-double runProcess(std::string commandLine)
-{
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;  // no console output in the table
-    PROCESS_INFORMATION info = {};
-    double start = now();
-    if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
-                        nullptr, &startup, &info))
-        return -1;
-    WaitForSingleObject(info.hProcess, INFINITE);
-    double took = now() - start;
-    CloseHandle(info.hProcess);
-    CloseHandle(info.hThread);
-    return took;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 }  // namespace
 
 int main(int argc, char** argv)

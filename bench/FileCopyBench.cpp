@@ -18,51 +18,18 @@
 #include <string>
 #include <vector>
 
+#include "BenchClock.h"
 #include "description/PathHelpers.h"
 #include "engine/FileCopy.h"
 
 namespace {
 const char* const installFolder = "C:\\Program Files\\TavRin";
 
-double now()
-{
-    LARGE_INTEGER count, frequency;
-    QueryPerformanceCounter(&count);
-    QueryPerformanceFrequency(&frequency);
-    return 1000.0 * count.QuadPart / frequency.QuadPart;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 std::string tempPath(const char* name)
 {
     char temp[MAX_PATH];
     GetTempPathA(sizeof temp, temp);
     return std::string(temp) + name;
-}
-
-// Runs a command line to its end; its time in ms, or -1 if it failed or hung.
-double runProcess(std::string commandLine)
-{
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;  // no console output in the table
-    PROCESS_INFORMATION info = {};
-    double start = now();
-    if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr,
-                        &startup, &info))
-        return -1;
-    DWORD code = 1;
-    if (WaitForSingleObject(info.hProcess, 180000) == WAIT_OBJECT_0) GetExitCodeProcess(info.hProcess, &code);
-    else TerminateProcess(info.hProcess, 9);
-    double took = now() - start;
-    CloseHandle(info.hProcess);
-    CloseHandle(info.hThread);
-    return code == 0 ? took : -1;
 }
 
 long long fileSize(const std::string& path)

@@ -23,6 +23,7 @@
 #include <thread>
 #include <vector>
 
+#include "BenchClock.h"
 #include "account/AccountDetails.h"
 #include "account/CookieStore.h"
 #include "account/HttpRequest.h"
@@ -31,21 +32,6 @@ namespace {
 const char* const registrationPath = "/servlet/bookmarks.servlet.install.registrationServlet";
 const char* const importPath = "/servlet/bookmarks.servlet.install.ImportServlet";
 const int shortcutCount = 10000;
-
-double now()
-{
-    LARGE_INTEGER count, frequency;
-    QueryPerformanceCounter(&count);
-    QueryPerformanceFrequency(&frequency);
-    return 1000.0 * count.QuadPart / frequency.QuadPart;
-}
-
-double median(std::vector<double> values)
-{
-    if (values.empty()) return 0;
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 // Under Wine only the working set has a true peak: PeakPagefileUsage comes back
 // as the private bytes of the moment, which are back down once a body is freed.

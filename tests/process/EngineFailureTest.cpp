@@ -217,13 +217,7 @@ TEST_F(EngineFailure, UninstallRunsBothStagesOfTheScriptThroughAdvpack)
 
     // The restart: Windows deletes the value and runs its command.
     RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, runOnceKey, "TavRinUninstall");
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION info = {};
-    ASSERT_TRUE(CreateProcessA(nullptr, &secondStage[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info));
-    EXPECT_EQ(WaitForSingleObject(info.hProcess, 30000), WAIT_OBJECT_0);
-    CloseHandle(info.hProcess);
-    CloseHandle(info.hThread);
+    ASSERT_TRUE(runToEnd(secondStage));
     for (const char* name : payload) EXPECT_FALSE(exists(folder + "\\" + name)) << name;
     EXPECT_FALSE(exists(folder));
     // Wine's advpack.dll ignores UnRegisterOCXs, so the class keys outlive the

@@ -160,10 +160,7 @@ TEST_F(Install, WizardInstallsThenUpdatesInPlace)
     uidriver::pressButton(frame, 1001);  // ready: the copy starts
     HWND finish = pageHolding(frame, 1018);
     ASSERT_TRUE(finish);
-    PostMessageA(GetDlgItem(finish, 1018), BM_CLICK, 0, 0);
-    PostMessageA(GetDlgItem(finish, 1031), BM_CLICK, 0, 0);
-    Sleep(200);
-    uidriver::pressButton(frame, IDCANCEL);
+    finishOpeningNothing(frame, finish);
     EXPECT_EQ(update.wait(), 0);
     expectInstalled();
     // Equal versions: the UpgradeCheck files are left alone, the others copied again.
@@ -205,10 +202,7 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
                   "TavRin Personal installation needs to restart Windows to complete the installation.");
         HWND finish = pageHolding(frame, 1018);
         ASSERT_TRUE(finish);
-        PostMessageA(GetDlgItem(finish, 1018), BM_CLICK, 0, 0);
-        PostMessageA(GetDlgItem(finish, 1031), BM_CLICK, 0, 0);
-        Sleep(200);
-        uidriver::pressButton(frame, IDCANCEL);
+        finishOpeningNothing(frame, finish);
         EXPECT_EQ(second.wait(), 0);
     }
     FreeLibrary(held);
@@ -227,13 +221,7 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
 
     // The next logon: Windows deletes the value and starts its command.
     RegDeleteKeyValueA(HKEY_CURRENT_USER, runOnceKey, "TavRin");
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION info = {};
-    ASSERT_TRUE(CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info));
-    EXPECT_EQ(WaitForSingleObject(info.hProcess, 30000), WAIT_OBJECT_0);
-    CloseHandle(info.hProcess);
-    CloseHandle(info.hThread);
+    ASSERT_TRUE(runToEnd(command));
     EXPECT_EQ(readValue(HKEY_CLASSES_ROOT, protocolClass, nullptr), target);
     EXPECT_FALSE(exists(script)) << "the restart run removes the extraction folder";
     EXPECT_NE(browser->seen().find("/welcome"), std::string::npos);

@@ -208,3 +208,24 @@ void removeInstallation()
     DeleteFileA((std::string(windows) + "\\INF\\tvuninst.inf").c_str());
     writeFlag("0");
 }
+
+void finishOpeningNothing(HWND frame, HWND finishPage)
+{
+    PostMessageA(GetDlgItem(finishPage, 1018), BM_CLICK, 0, 0);
+    PostMessageA(GetDlgItem(finishPage, 1031), BM_CLICK, 0, 0);
+    Sleep(200);
+    uidriver::pressButton(frame, IDCANCEL);
+}
+
+bool runToEnd(std::string commandLine, DWORD timeoutMs)
+{
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION info = {};
+    if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
+        return false;
+    bool ended = WaitForSingleObject(info.hProcess, timeoutMs) == WAIT_OBJECT_0;
+    CloseHandle(info.hProcess);
+    CloseHandle(info.hThread);
+    return ended;
+}

@@ -39,6 +39,12 @@ bool exists(const std::string& path);
 // A string value of the registry; "(none)" when it cannot be read.
 std::string readValue(HKEY root, const char* key, const char* name);
 
+// Unticks the finish page's two boxes, so that Finish opens nothing, and presses Finish.
+void finishOpeningNothing(HWND frame, HWND finishPage);
+// Runs a command line to its end, as Windows runs a RunOnce value; false if it
+// did not start or did not end in time.
+bool runToEnd(std::string commandLine, DWORD timeoutMs = 30000);
+
 // The product's default folder, which a quiet run needs to exist.
 extern const std::string installFolder;
 // A machine without the product: no folder, files, registrations or entries.
