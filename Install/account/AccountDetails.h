@@ -24,6 +24,16 @@ public:
     // False when the service refused, and when no reply came at all.
     bool registerUser(HWND window, const char* url, const char* command);
 
+    // The checks of the account forms. Each writes errorText afresh, one CR LF
+    // ended line per complaint, and is true when it stayed empty.
+    bool checkLoginFields();
+    // The business form when regoCommand is "AddTrial" (any case), else the
+    // personal one.
+    bool checkDetailFields(const char* regoCommand);
+    bool isEmailValid() const;
+    // At least 4 characters, and the repetition equal to it.
+    bool isPasswordValid() const;
+
     std::string UserCode;
     std::string Password;
     std::string RepeatPassword;

@@ -68,3 +68,48 @@
 #define IDD_PAGE_UNINSTALL_FAILED 137
 #define IDC_FINISH_README        1018
 #define IDC_FINISH_BROWSER       1031
+
+// Account form pages: login details (page 114), personal and business details
+// (page 115). Label ids are shared between the two details dialogs but stand
+// for different fields; the ids of dialog 138 overlap those of 153.
+#define IDC_FORM_NOTE            1067
+#define IDD_PAGE_LOGIN           138
+#define IDC_LOGIN_USER           1030
+#define IDC_LOGIN_PASSWORD       1031
+#define IDC_LOGIN_REPEAT         1032
+#define IDC_LOGIN_HINT           1033
+#define IDC_LOGIN_EMAIL          1034
+#define IDC_LOGIN_USER_LABEL     1048
+#define IDC_LOGIN_PASSWORD_LABEL 1049
+#define IDC_LOGIN_REPEAT_LABEL   1050
+#define IDC_LOGIN_HINT_LABEL     1051
+#define IDC_LOGIN_EMAIL_LABEL    1052
+#define IDD_PAGE_PERSONAL        139
+#define IDD_PAGE_BUSINESS        153
+#define IDC_DETAILS_NEWS         1017
+#define IDC_DETAILS_AGE          1038
+#define IDC_DETAILS_GENDER       1039
+#define IDC_DETAILS_FIRST_NAME   1040
+#define IDC_DETAILS_LAST_NAME    1041
+#define IDC_DETAILS_COMPANY      1042
+#define IDC_DETAILS_COUNTRY      1043
+#define IDC_DETAILS_INDUSTRY     1044
+#define IDC_DETAILS_OCCUPATION   1045
+#define IDC_DETAILS_JOB_TITLE    1047
+#define IDC_DETAILS_WEBSITE      1048
+#define IDC_DETAILS_EMPLOYEES    1075
+#define IDC_DETAILS_PHONE        1079
+#define IDC_DETAILS_ZIP          1081
+#define IDC_DETAILS_COMPANY_TYPE 1083
+#define IDC_LABEL_FIRST_NAME     1054
+#define IDC_LABEL_LAST_NAME      1055
+#define IDC_LABEL_AGE_OR_COMPANY 1056
+#define IDC_LABEL_GENDER_OR_EMPLOYEES 1057
+#define IDC_LABEL_PHONE          1058
+#define IDC_LABEL_COUNTRY        1059
+#define IDC_LABEL_INDUSTRY       1060
+#define IDC_LABEL_OCCUPATION     1061
+#define IDC_LABEL_JOB_TITLE      1063
+#define IDC_LABEL_WEBSITE        1064
+#define IDC_LABEL_ZIP            1080
+#define IDC_LABEL_COMPANY_TYPE   1082

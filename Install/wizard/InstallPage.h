@@ -35,16 +35,27 @@ public:
     CInstallWizard* wizard = nullptr;
 };
 
-// Base of the account form pages: the field check, and control 1068 drawn
-// and driven as a link.
+// Base of the account form pages: every static drawn by the page, the label of
+// a field found wanting in bold once Next was pressed, the red star of the
+// note, and control 1068 drawn and driven as a link.
 class CInstallFormPage : public CInstallPage {
 public:
     using CInstallPage::CInstallPage;
+    INT_PTR onInitDialog() override;
+    INT_PTR onDrawItem(WPARAM controlId, LPARAM drawItem) override;
     INT_PTR onMouseMove(unsigned x, unsigned y) override;
     INT_PTR onLButtonDown(unsigned x, unsigned y, WPARAM keys) override;
     INT_PTR onCtlColorStatic(HDC deviceContext, HWND control) override;
+    // For a label: whether the field it names was acceptable at the last Next.
     virtual int isFieldValid(int controlId);
 
+    // Draws one static: bold when its field was found wanting. Returns 1.
+    int drawStatic(int controlId, const DRAWITEMSTRUCT& item);
+    // Repaints the whole page, so that the labels show the state just checked.
+    void repaint();
+
+    // Set by the first press of Next and never cleared: from then on the
+    // labels tell which fields were wanting.
     int validated = 0;
 };
 

@@ -35,9 +35,14 @@ int CInstallWizard::run()
         return 1;
     }
     if (!checkRequirements(this)) return 0;
+    chooseDetailsForm();
+    return showFrame();
+}
+
+void CInstallWizard::chooseDetailsForm()
+{
     if (equalsNoCase(settings.regoCommand.c_str(), "AddTrial"))
         if (CInstallPage* details = findPage(115)) details->dialogId = 153;
-    return showFrame();
 }
 
 int CInstallWizard::showFrame()

@@ -36,6 +36,9 @@ public:
     int loadSettings();
     // The modal frame, dialog 101, with the registered pages.
     int showFrame();
+    // A trial of the business edition ("AddTrial") asks a company's details on
+    // page 115 (dialog 153). Counts only before that page's window exists.
+    void chooseDetailsForm();
     void setDestination(const char* path);
 
     bool addPage(int id, CInstallPage* page);

@@ -10,6 +10,8 @@
 #include "description/PathHelpers.h"
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
+#include "account/DetailsPage.h"
+#include "account/LoginPage.h"
 #include "engine/FinishPages.h"
 #include "engine/InstallCopyPage.h"
 
@@ -112,6 +114,8 @@ void registerPages(CInstallWizard& wizard, bool)
     wizard.addPage(100, new CInstallWelcomePage);
     wizard.addPage(108, new CInstallUpdatePage);
     wizard.addPage(110, new CInstallAgreementPage);
+    wizard.addPage(115, new CInstallDetailsPage);
+    wizard.addPage(114, new CInstallLoginPage);
     wizard.addPage(104, new CInstallDestinationPage);
     wizard.addPage(105, new CInstallPage(IDD_PAGE_READY));
     wizard.addPage(106, new CInstallCopyPage);

@@ -3,51 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
-#include <thread>
 
-#include "UiDriver.h"
+#include "WizardTestSupport.h"
 #include "description/PathHelpers.h"
 #include "wizard/InstallPage.h"
 #include "wizard/InstallWizard.h"
 #include "wizard/PlainPages.h"
 
 namespace {
-// Runs the frame modally here and `user` on a second thread; the frame is
-// cancelled at the end if the user left it open.
-void runWizard(CInstallWizard& wizard, const std::function<void()>& user)
-{
-    std::thread thread([&] {
-        HWND frame = nullptr;
-        for (int i = 0; i < 200 && !(frame = wizard.hwnd); ++i) Sleep(25);
-        if (frame) user();
-        if (IsWindow(frame)) {
-            wizard.finishing = 0;
-            PostMessageA(frame, WM_COMMAND, IDCANCEL, 0);
-            uidriver::WindowQuery box{"Abort Install", GetCurrentProcessId(), false};
-            if (HWND question = uidriver::waitForWindow(box, 5000)) uidriver::pressButton(question, IDYES);
-        }
-    });
-    wizard.showFrame();
-    thread.join();
-}
-
-// Polls until the condition holds (the frame moves through posted messages).
-bool eventually(const std::function<bool()>& condition)
-{
-    for (int i = 0; i < 100; ++i) {
-        if (condition()) return true;
-        Sleep(30);
-    }
-    return false;
-}
-
-bool onPage(CInstallWizard& wizard, int id)
-{
-    return wizard.pages[wizard.currentPage]->id == id;
-}
-
-void press(CInstallWizard& wizard, int id) { PostMessageA(wizard.hwnd, WM_COMMAND, id, 0); }
+using namespace wizardtest;
 
 bool nextEnabled(CInstallWizard& wizard) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, 1001)) != FALSE; }
 
@@ -150,7 +114,7 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
         PostMessageA(GetDlgItem(page->hwnd, 1065), BM_CLICK, 0, 0);
         EXPECT_TRUE(eventually([&] { return nextEnabled(wizard); }));
         press(wizard, 1001);
-        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); }));
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 115); })) << "the details form follows";
         press(wizard, 1000);
         EXPECT_TRUE(eventually([&] { return onPage(wizard, 110) && nextEnabled(wizard); }))
             << "the choice stays when the user comes back";
@@ -159,6 +123,6 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
         press(wizard, 1000);
         EXPECT_TRUE(eventually([&] { return onPage(wizard, 100); }));
         press(wizard, 1001);
-        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); })) << "no new account, no agreement";
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); })) << "no new account, no agreement, no forms";
     });
 }

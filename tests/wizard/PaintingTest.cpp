@@ -2,56 +2,10 @@
 // sunken frame round the side panel, and the link's underline under the mouse.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <thread>
-#include <vector>
-
-#include "wizard/InstallPage.h"
-#include "wizard/InstallWizard.h"
+#include "WizardTestSupport.h"
 
 namespace {
-// The frame's client area as it stands on the screen.
-struct Capture {
-    int width = 0, height = 0;
-    std::vector<DWORD> pixels;
-    COLORREF at(int x, int y) const
-    {
-        DWORD p = pixels[static_cast<size_t>(y) * width + x];
-        return RGB((p >> 16) & 0xFF, (p >> 8) & 0xFF, p & 0xFF);
-    }
-};
-
-Capture capture(HWND window)
-{
-    Capture shot;
-    RECT client;
-    GetClientRect(window, &client);
-    shot.width = client.right;
-    shot.height = client.bottom;
-    HDC screen = GetDC(window);
-    HDC memory = CreateCompatibleDC(screen);
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), shot.width, -shot.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, shot.width, shot.height, screen, 0, 0, SRCCOPY);
-    GdiFlush();
-    shot.pixels.assign(static_cast<DWORD*>(bits), static_cast<DWORD*>(bits) + shot.width * shot.height);
-    SelectObject(memory, old);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    ReleaseDC(window, screen);
-    return shot;
-}
-
-RECT clientRectOf(HWND frame, int id)
-{
-    RECT rect;
-    GetWindowRect(GetDlgItem(frame, id), &rect);
-    MapWindowPoints(nullptr, frame, reinterpret_cast<POINT*>(&rect), 2);
-    return rect;
-}
+using namespace wizardtest;
 
 int linkPixels(const Capture& shot, const RECT& link)
 {
