@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs every test: the host-side tests (the TavRin service's own), then the
-# Windows test programs under Wine (through ctest) against the TavRin service in
-# test mode. Starts its own virtual display, wineserver and service, and stops
-# them at the end, also when a test fails.
+# Runs every test: the host-side tests (the TavRin service's and the stamping
+# tool's), then the Windows test programs under Wine (through ctest) against the
+# TavRin service in test mode. Starts its own virtual display, wineserver and
+# service, and stops them at the end, also when a test fails.
 set -uo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 . "$top/scripts/wine-session.sh"
@@ -52,6 +52,8 @@ trap 'service_stop; wine_session_stop' EXIT
 status=0
 echo "TavRin service tests"
 python3 -m unittest discover -s "$top/service/tests" || status=1
+echo "Partner stamping tool tests"
+python3 -m unittest discover -s "$top/tools/stamp" || status=1
 
 wine_session_start || exit 1
 service_start || exit 1

@@ -43,28 +43,45 @@ bool readCookie(const char* url, const char* name, char* buffer, DWORD& size)
 }
 
 namespace {
-// "; expires = <date>" as our cookie texts write it. Wine's store does not see
-// an expiry written with blanks around its equals sign: it keeps such a cookie
-// for the process only, and drops a stored one of the same name. So the blanks
-// go, at the one place where a text enters the store.
-std::string withoutBlanksAroundExpires(const char* text)
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
+// The attribute `name` of one ";" piece, with blanks before it and around its
+// equals sign; the position of its value, or null when the piece is another.
+const char* attributeValue(const char* piece, const char* name)
+{
+    while (isBlank(*piece)) ++piece;
+    if (!startsWithNoCase(piece, name)) return nullptr;
+    piece += std::strlen(name);
+    while (isBlank(*piece)) ++piece;
+    if (*piece != '=') return nullptr;
+    ++piece;
+    while (isBlank(*piece)) ++piece;
+    return piece;
+}
+
+// Two attributes as our cookie texts write them, which Wine's store misreads:
+// an expiry written "expires = <date>", with blanks round its equals sign, is
+// not seen, so the cookie is kept for the process only and a stored one of the
+// same name is dropped; and a cookie with an empty "path=" is never found
+// again by a later process. So the blanks go, and the empty path, which means
+// the default path anyway, at the one place where a text enters the store.
+std::string forWineStore(const char* text)
 {
     std::string out;
-    const char* p = text;
-    while (*p) {
-        out += *p;
-        if (*p++ != ';') continue;
-        const char* attribute = p;
-        while (*attribute == ' ' || *attribute == '\t') ++attribute;
-        if (!startsWithNoCase(attribute, "expires")) continue;
-        const char* equals = attribute + 7;
-        while (*equals == ' ' || *equals == '\t') ++equals;
-        if (*equals != '=') continue;
-        const char* value = equals + 1;
-        while (*value == ' ' || *value == '\t') ++value;
-        out.append(p, attribute + 7 - p);
-        out += '=';
-        p = value;
+    bool first = true;
+    for (const char* piece = text; piece;) {
+        const char* end = std::strchr(piece, ';');
+        std::string part = end ? std::string(piece, end) : std::string(piece);
+        piece = end ? end + 1 : nullptr;
+        if (!first) {
+            const char* value = attributeValue(part.c_str(), "path");
+            if (value && !*value) continue;  // an empty path
+            if ((value = attributeValue(part.c_str(), "expires")))
+                part = part.substr(0, part.find_first_not_of(" \t") + 7) + "=" + value;
+            out += ';';
+        }
+        out += part;
+        first = false;
     }
     return out;
 }
@@ -72,6 +89,6 @@ std::string withoutBlanksAroundExpires(const char* text)
 
 bool storeCookie(const char* url, const char* cookieText)
 {
-    std::string text = withoutBlanksAroundExpires(cookieText ? cookieText : "");
+    std::string text = forWineStore(cookieText ? cookieText : "");
     return InternetSetCookieA(url, nullptr, text.c_str()) != FALSE;
 }

@@ -81,6 +81,6 @@ int CInstallWizard::loadSettings()
         if (MessageBoxA(hwnd, text, "Found Newer Version", MB_YESNO | MB_ICONINFORMATION) == IDNO)
             return 0;
     }
-    // The partner's cookie is set here once partner branding is read.
-    return 1;
+    // The cookie needs the service's host, which only the description names.
+    return setPartnerCookie();
 }

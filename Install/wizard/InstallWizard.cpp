@@ -28,6 +28,7 @@ CInstallWizard::~CInstallWizard()
 int CInstallWizard::run()
 {
     if (!extractPayload()) return 0;
+    readBranding();  // a copy without a trailer, or with a broken one, runs as the plain one
     if (!loadSettings()) return 0;
     // The quiet run installs at once, without pages and without the checks.
     if (quiet) {

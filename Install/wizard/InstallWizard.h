@@ -32,8 +32,15 @@ public:
     int run();
     // Dialog 106; `sourceFolder` holds the extraction folder afterwards.
     int extractPayload();
-    // Reads setup.ini from the extraction folder and completes the file records.
+    // Reads setup.ini from the extraction folder and completes the file records;
+    // then sets the partner cookie.
     int loadSettings();
+    // The partner's trailer behind the program file into `branding`, its logo
+    // into the extraction folder. 1 when there is one.
+    int readBranding();
+    // Stores the partner numbers in the service's cookie; a plain copy stores
+    // nothing. Always 1.
+    int setPartnerCookie();
     // The modal frame, dialog 101, with the registered pages.
     int showFrame();
     // A trial of the business edition ("AddTrial") asks a company's details on
