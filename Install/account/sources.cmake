@@ -1,4 +1,5 @@
-# The service client: internet session, requests, account record and exchanges.
+# The service client: internet session, requests, account record and exchanges,
+# and the Favorites import.
 target_sources(setupcore PRIVATE
   ${CMAKE_CURRENT_SOURCE_DIR}/account/InternetSession.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/account/HttpRequest.cpp
@@ -11,4 +12,5 @@ target_sources(setupcore PRIVATE
   ${CMAKE_CURRENT_SOURCE_DIR}/account/AccountExchanges.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/account/CookieDate.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/account/CookieStore.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/account/FavoritesImport.cpp
 )
