@@ -133,12 +133,16 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
     wizard.settings.title = "TavRin Personal";
     wizard.settings.agreement = "agreement.txt";
     wizard.settings.destination = "%PROGRAMFILES%\\TavRin";
-    wizard.settings.createAccount = 1;
     registerPages(wizard, false);
     CInstallPage* page = wizard.findPage(110);
     ASSERT_TRUE(page);
 
     runWizard(wizard, [&] {
+        press(wizard, 1001);
+        CInstallPage* choice = wizard.findPage(117);
+        ASSERT_TRUE(eventually([&] { return onPage(wizard, 117) && choice->hwnd && !nextEnabled(wizard); }));
+        PostMessageA(GetDlgItem(choice->hwnd, 1030), BM_CLICK, 0, 0);  // a new account
+        ASSERT_TRUE(eventually([&] { return nextEnabled(wizard); }));
         press(wizard, 1001);
         ASSERT_TRUE(eventually([&] { return onPage(wizard, 110) && page->hwnd; }));
         EXPECT_EQ(uidriver::controlText(page->hwnd, 1027), agreement);
@@ -149,16 +153,18 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
         EXPECT_TRUE(eventually([&] { return !nextEnabled(wizard); }));
         PostMessageA(GetDlgItem(page->hwnd, 1065), BM_CLICK, 0, 0);
         EXPECT_TRUE(eventually([&] { return nextEnabled(wizard); }));
-        press(wizard, 1001);
-        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); }));
         press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 117); }));
+        press(wizard, 1001);
         EXPECT_TRUE(eventually([&] { return onPage(wizard, 110) && nextEnabled(wizard); }))
             << "the choice stays when the user comes back";
 
+        // As the account work leaves them: the agreement passes itself over.
         wizard.settings.createAccount = 0;
-        press(wizard, 1000);
-        EXPECT_TRUE(eventually([&] { return onPage(wizard, 100); }));
+        wizard.settings.importRequested = 0;
         press(wizard, 1001);
-        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); })) << "no new account, no agreement";
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); }));
+        press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 117); })) << "no new account, no agreement";
     });
 }
