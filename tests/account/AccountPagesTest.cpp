@@ -182,8 +182,10 @@ TEST_F(AccountPages, KnownAccountIsAskedAboutThenANewOneMadeAndRemembered)
         ASSERT_TRUE(eventually([&] { return IsWindowVisible(notice) != FALSE; }));
         RECT text;
         GetClientRect(notice, &text);
-        std::vector<COLORREF> shown = pixels(notice, text);
-        EXPECT_TRUE(holds(shown, RGB(255, 0, 0)) && !holds(shown, RGB(0, 0, 0))) << "the notice is red";
+        std::vector<COLORREF> shown;
+        EXPECT_TRUE(eventually([&] { return holds(shown = pixels(notice, text), RGB(255, 0, 0)); }, 3000))
+            << "the notice is red";
+        EXPECT_FALSE(holds(shown, RGB(0, 0, 0)));
         EXPECT_TRUE(checked(117, IDC_CHOICE_EXISTING) && enabled(IDC_WIZARD_NEXT));
         EXPECT_FALSE(checked(117, IDC_CHOICE_IMPORT)) << "no RegistrationInfo, no import";
 
