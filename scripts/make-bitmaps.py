@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws the setup program's two pictures and writes them as Windows bitmaps.
+"""Draws the setup program's pictures and writes them as Windows bitmaps.
 
   payload/SidePanel.bmp          185 x 300, 256 colours: the wizard's side panel,
                                  a blue gradient with the product's name and a
@@ -8,8 +8,12 @@
                                  picture, a box giving out files, on the grey
                                  RGB(192,192,192) that LR_LOADMAP3DCOLORS turns
                                  into the dialog's face colour
+  Install/resources/accountbar.bmp 86 x 20, 16 colours: the tile of the
+                                 account page's running bar, slanted stripes
+                                 that meet their own start when tiles are
+                                 laid side by side
 
-Both files are in the repository; run this (standard library only) to remake
+All three files are in the repository; run this (standard library only) to remake
 them: scripts/make-bitmaps.py [--root DIR]  (DIR: the repository, by default
 the one holding this script).
 """
@@ -197,12 +201,36 @@ def extract_picture():
     return bmp_bytes(canvas, palette, 4)
 
 
+def account_bar():
+    # The 16 colours of the standard VGA palette, as for the extraction picture.
+    palette = [(0, 0, 0), (128, 0, 0), (0, 128, 0), (128, 128, 0), (0, 0, 128), (128, 0, 128),
+               (0, 128, 128), (192, 192, 192), (128, 128, 128), (255, 0, 0), (0, 255, 0),
+               (255, 255, 0), (0, 0, 255), (255, 0, 255), (0, 255, 255), (255, 255, 255)]
+    black, navy, grey, blue, white = 0, 4, 8, 12, 15
+    width, height = 86, 20
+    canvas = Canvas(width, height, navy)
+    # Stripes leaning right, two to a tile: 43 divides 86, so the right edge
+    # of a tile runs on into the left edge of the next one.
+    period = width // 2
+    for y in range(2, height - 2):
+        for x in range(width):
+            if (x + y) % period < 17:
+                canvas.put(x, y, blue)
+    for x in range(width):
+        canvas.put(x, 0, grey)           # a sunken edge: dark above,
+        canvas.put(x, 1, black)
+        canvas.put(x, height - 1, white)  # light below
+        canvas.put(x, height - 2, grey)
+    return bmp_bytes(canvas, palette, 4)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--root", default=os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
     root = parser.parse_args().root
     for relative, data in (("payload/SidePanel.bmp", side_panel()),
-                           ("Install/resources/extract.bmp", extract_picture())):
+                           ("Install/resources/extract.bmp", extract_picture()),
+                           ("Install/resources/accountbar.bmp", account_bar())):
         path = os.path.join(root, relative)
         with open(path, "wb") as out:
             out.write(data)

@@ -1,5 +1,5 @@
 # The service client: internet session, requests, account record and exchanges,
-# and the account form pages.
+# the account pages, the form checks and the Favorites import.
 target_sources(setupcore PRIVATE
   ${CMAKE_CURRENT_SOURCE_DIR}/account/InternetSession.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/account/HttpRequest.cpp
@@ -17,4 +17,11 @@ target_sources(setupcore PRIVATE
   ${CMAKE_CURRENT_SOURCE_DIR}/account/InputFilter.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/account/LoginPage.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/account/DetailsPage.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/account/FavoritesImport.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/account/AccountChoicePage.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/account/AccountPage.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/account/ConfirmPage.cpp
 )
+# The bar tile that AccountPages.rc names: a change to it rebuilds the resources.
+set_property(SOURCE resources/Setup.rc APPEND PROPERTY
+  OBJECT_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/resources/accountbar.bmp)

@@ -113,3 +113,21 @@
 #define IDC_LABEL_WEBSITE        1064
 #define IDC_LABEL_ZIP            1080
 #define IDC_LABEL_COMPANY_TYPE   1082
+
+// Account choice page: dialog 145 when a passport cookie is known, 152 when not
+#define IDD_PAGE_CHOICE_EXISTING 145
+#define IDD_PAGE_CHOICE_NEW      152
+#define IDC_CHOICE_NEW           1030
+#define IDC_CHOICE_EXISTING      1031
+#define IDC_CHOICE_IMPORT        1017
+#define IDC_CHOICE_DETECTED      1071
+// Account progress page and its running bar
+#define IDD_PAGE_ACCOUNT         141
+#define IDB_ACCOUNT_BAR          143
+#define IDC_ACCOUNT_BAR          1062
+#define IDC_ACCOUNT_STATUS       1063
+// Account confirmation page (its link is IDC_FORM_LINK)
+#define IDD_PAGE_CONFIRM         149
+#define IDC_CONFIRM_USER         1030
+#define IDC_CONFIRM_EMAIL        1034
+#define IDC_CONFIRM_ZIP          1069

@@ -10,6 +10,9 @@
 #include "description/PathHelpers.h"
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
+#include "account/AccountChoicePage.h"
+#include "account/AccountPage.h"
+#include "account/ConfirmPage.h"
 #include "account/DetailsPage.h"
 #include "account/LoginPage.h"
 #include "engine/FinishPages.h"
@@ -113,9 +116,12 @@ void registerPages(CInstallWizard& wizard, bool)
     // that does not pass itself over, Back to the one before.
     wizard.addPage(100, new CInstallWelcomePage);
     wizard.addPage(108, new CInstallUpdatePage);
+    wizard.addPage(117, new CInstallAccountChoicePage);
     wizard.addPage(110, new CInstallAgreementPage);
     wizard.addPage(115, new CInstallDetailsPage);
     wizard.addPage(114, new CInstallLoginPage);
+    wizard.addPage(116, new CInstallAccountPage);
+    wizard.addPage(118, new CInstallConfirmPage);
     wizard.addPage(104, new CInstallDestinationPage);
     wizard.addPage(105, new CInstallPage(IDD_PAGE_READY));
     wizard.addPage(106, new CInstallCopyPage);

@@ -52,7 +52,7 @@ HWND startCopy(SetupProcess& setup)
     HWND frame = setup.window(wizardCaption, 20000);
     if (!frame) return nullptr;
     uidriver::pressButton(frame, 1001);  // welcome
-    if (!pageWith(frame, 1005)) return nullptr;
+    if (!keepExistingAccount(frame) || !pageWith(frame, 1005)) return nullptr;
     uidriver::pressButton(frame, 1001);  // the folder stands: no question
     if (!pageWith(frame, 0, "TavRin Personal Installation is almost complete!")) return nullptr;
     uidriver::pressButton(frame, 1001);  // ready: the copy starts

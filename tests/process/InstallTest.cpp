@@ -124,7 +124,8 @@ TEST_F(Install, WizardInstallsThenUpdatesInPlace)
         SetupProcess setup("");
         HWND frame = setup.window(wizardCaption, 20000);
         ASSERT_TRUE(frame);
-        uidriver::pressButton(frame, 1001);  // welcome: nothing installed, so on to the folder
+        uidriver::pressButton(frame, 1001);  // welcome: nothing installed, so on to the account choice
+        ASSERT_TRUE(keepExistingAccount(frame));
         ASSERT_TRUE(pageHolding(frame, 1005));
         uidriver::pressButton(frame, 1001);
         answerBox(setup, "Create Folder", IDYES);
@@ -153,7 +154,8 @@ TEST_F(Install, WizardInstallsThenUpdatesInPlace)
     HWND page = pageHolding(frame, 1025);
     ASSERT_TRUE(page) << "no update page for an existing installation";
     EXPECT_EQ(IsDlgButtonChecked(page, 1025), BST_CHECKED);
-    uidriver::pressButton(frame, 1001);  // Update: on past the account pages
+    uidriver::pressButton(frame, 1001);  // Update
+    ASSERT_TRUE(keepExistingAccount(frame));
     // The folder page passes itself over on the update road: next comes the ready page.
     Sleep(500);
     EXPECT_FALSE(pageHolding(frame, 1005, 0)) << "the folder page showed on the update road";
@@ -196,6 +198,7 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
         uidriver::pressButton(frame, 1001);
         ASSERT_TRUE(pageHolding(frame, 1025)) << "no update page";
         uidriver::pressButton(frame, 1001);  // Update
+        ASSERT_TRUE(keepExistingAccount(frame));
         Sleep(300);
         uidriver::pressButton(frame, 1001);  // ready: the copy starts
         EXPECT_EQ(answerBox(second, "Installation Complete", IDNO),

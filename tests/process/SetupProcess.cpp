@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <vector>
 
 SetupProcess::SetupProcess(const std::string& arguments, const std::string& program)
@@ -207,6 +208,39 @@ void removeInstallation()
     GetWindowsDirectoryA(windows, sizeof windows);
     DeleteFileA((std::string(windows) + "\\INF\\tvuninst.inf").c_str());
     writeFlag("0");
+}
+
+namespace {
+bool eventually(const std::function<bool()>& condition, DWORD timeoutMs = 10000)
+{
+    for (DWORD waited = 0; waited < timeoutMs; waited += 50, Sleep(50))
+        if (condition()) return true;
+    return false;
+}
+}  // namespace
+
+HWND pageShowing(HWND frame, int id, const char* text, DWORD timeoutMs)
+{
+    HWND found = nullptr;
+    eventually([&] {
+        for (HWND page = FindWindowExA(frame, nullptr, nullptr, nullptr); page && !found;
+             page = FindWindowExA(frame, page, nullptr, nullptr)) {
+            HWND control = text ? FindWindowExA(page, nullptr, "Static", text) : GetDlgItem(page, id);
+            if (control && IsWindowVisible(control) && IsWindowVisible(page)) found = page;
+        }
+        return found != nullptr;
+    }, timeoutMs);
+    return found;
+}
+
+bool keepExistingAccount(HWND frame)
+{
+    HWND page = pageShowing(frame, 1017), next = GetDlgItem(frame, 1001);
+    auto checked = [&] { return IsDlgButtonChecked(page, 1031) == BST_CHECKED; };
+    // Ready once it has checked the radio of a known account, or held Next back without one.
+    if (!page || !eventually([&] { return checked() || !IsWindowEnabled(next); })) return false;
+    PostMessageA(GetDlgItem(page, 1031), BM_CLICK, 0, 0);
+    return eventually([&] { return checked() && IsWindowEnabled(next); }) && uidriver::pressButton(frame, 1001);
 }
 
 void finishOpeningNothing(HWND frame, HWND finishPage)

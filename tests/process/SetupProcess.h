@@ -39,6 +39,13 @@ bool exists(const std::string& path);
 // A string value of the registry; "(none)" when it cannot be read.
 std::string readValue(HKEY root, const char* key, const char* name);
 
+// The wizard's page on show that holds a visible control with this id, or a
+// static with this text; null when none comes within the time.
+HWND pageShowing(HWND frame, int id, const char* text = nullptr, DWORD timeoutMs = 20000);
+// Page 117 as a user without a new account passes it: "I already have an
+// account" (or "I want to use my existing account"), then Next. False when no
+// such page came up.
+bool keepExistingAccount(HWND frame);
 // Unticks the finish page's two boxes, so that Finish opens nothing, and presses Finish.
 void finishOpeningNothing(HWND frame, HWND finishPage);
 // Runs a command line to its end, as Windows runs a RunOnce value; false if it

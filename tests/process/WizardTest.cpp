@@ -95,6 +95,7 @@ TEST_F(Wizard, WelcomeLeadsPastTheAgreementToTheFolderAndBack)
 
     // Without a new account the agreement passes itself over.
     pressButton(frame, 1001);
+    ASSERT_TRUE(keepExistingAccount(frame));
     HWND page = waitForPage(frame, 1005);
     ASSERT_TRUE(page);
     EXPECT_EQ(controlText(page, 1005), "C:\\Program Files\\TavRin");
@@ -111,8 +112,12 @@ TEST_F(Wizard, WelcomeLeadsPastTheAgreementToTheFolderAndBack)
     uidriver::WindowQuery gone{"Browse for Folder", setup->id(), false};
     EXPECT_TRUE(uidriver::waitForWindowGone(gone, 5000));
     EXPECT_EQ(controlText(page, 1005), "C:\\typed by the user");
+    // Back walks past the account pages to the choice, which keeps its radio.
     pressButton(frame, 1000);
-    ASSERT_TRUE(waitForText(frame, "Click Next to continue."));
+    HWND choice = waitForPage(frame, 1017);
+    ASSERT_TRUE(choice);
+    EXPECT_TRUE(showsText(choice, "I already have an account"));
+    EXPECT_EQ(IsDlgButtonChecked(choice, 1031), BST_CHECKED);
     pressButton(frame, 1001);
     ASSERT_EQ(waitForPage(frame, 1005), page) << "a page's window is made once and kept";
     EXPECT_EQ(controlText(page, 1005), "C:\\typed by the user");
@@ -121,6 +126,7 @@ TEST_F(Wizard, WelcomeLeadsPastTheAgreementToTheFolderAndBack)
 TEST_F(Wizard, FolderMustBeAFullPathAndIsMadeOnlyWhenTheUserSaysYes)
 {
     pressButton(frame, 1001);
+    ASSERT_TRUE(keepExistingAccount(frame));
     HWND page = waitForPage(frame, 1005);
     ASSERT_TRUE(page);
     for (const char* bad : {"C:", "C:Temp", "\\\\server\\share\\TavRin", "TavRin"}) {

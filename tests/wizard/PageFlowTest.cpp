@@ -97,12 +97,16 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
     wizard.settings.title = "TavRin Personal";
     wizard.settings.agreement = "agreement.txt";
     wizard.settings.destination = "%PROGRAMFILES%\\TavRin";
-    wizard.settings.createAccount = 1;
     registerPages(wizard, false);
     CInstallPage* page = wizard.findPage(110);
     ASSERT_TRUE(page);
 
     runWizard(wizard, [&] {
+        press(wizard, 1001);
+        CInstallPage* choice = wizard.findPage(117);
+        ASSERT_TRUE(eventually([&] { return onPage(wizard, 117) && choice->hwnd && !nextEnabled(wizard); }));
+        PostMessageA(GetDlgItem(choice->hwnd, 1030), BM_CLICK, 0, 0);  // a new account
+        ASSERT_TRUE(eventually([&] { return nextEnabled(wizard); }));
         press(wizard, 1001);
         ASSERT_TRUE(eventually([&] { return onPage(wizard, 110) && page->hwnd; }));
         EXPECT_EQ(uidriver::controlText(page->hwnd, 1027), agreement);
@@ -116,13 +120,19 @@ TEST(PageFlow, AgreementGatesNextAndShowsOnlyForANewAccount)
         press(wizard, 1001);
         EXPECT_TRUE(eventually([&] { return onPage(wizard, 115); })) << "the details form follows";
         press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 110); }));
+        press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 117); }));
+        press(wizard, 1001);
         EXPECT_TRUE(eventually([&] { return onPage(wizard, 110) && nextEnabled(wizard); }))
             << "the choice stays when the user comes back";
 
+        // As the account work leaves them: the agreement passes itself over.
         wizard.settings.createAccount = 0;
-        press(wizard, 1000);
-        EXPECT_TRUE(eventually([&] { return onPage(wizard, 100); }));
+        wizard.settings.importRequested = 0;
         press(wizard, 1001);
         EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); })) << "no new account, no agreement, no forms";
+        press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 117); })) << "and Back passes them all over";
     });
 }
