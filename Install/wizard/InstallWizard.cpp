@@ -36,6 +36,8 @@ int CInstallWizard::run()
         return 1;
     }
     if (!checkRequirements(this)) return 0;
+    // The check and the sign-up both carry the sign-up command the description names.
+    settings.AccountDetails.CommandAction = settings.regoCommand;
     chooseDetailsForm();
     return showFrame();
 }
