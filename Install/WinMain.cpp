@@ -3,6 +3,8 @@
 // earlier one died half way.
 #include <windows.h>
 
+#include <cstdlib>
+
 #include <exception>
 
 #include "AdministratorCheck.h"
@@ -66,6 +68,17 @@ void normalMode(CRegistryKey& key, const CCommandLine& command)
     wizard.run();
 }
 }  // namespace
+
+// An exception that escapes the guard of WinMain (on a thread of its own, say)
+// ends the program here, with a line in the log. Standing in for the runtime's
+// own handler also keeps its symbol demangler, some 45 KB, out of the program.
+namespace __gnu_cxx {
+void __verbose_terminate_handler()
+{
+    installLog.write("The installation stopped on an unexpected error", true);
+    std::abort();
+}
+}  // namespace __gnu_cxx
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int)
 {
