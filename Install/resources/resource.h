@@ -68,3 +68,13 @@
 #define IDD_PAGE_UNINSTALL_FAILED 137
 #define IDC_FINISH_README        1018
 #define IDC_FINISH_BROWSER       1031
+
+// Machine analysis: the close windows page, and the search pages of /T
+#define IDD_PAGE_CLOSE_WINDOWS   114
+#define IDC_CLOSE_SKIP           1012
+#define IDC_CLOSE_LIST           1014
+#define IDD_PAGE_SEARCH_INTRO    120
+#define IDC_SEARCH_SKIP          1012
+#define IDD_PAGE_SEARCH          121
+#define IDC_SEARCH_ACTIVITY      1020
+#define IDC_SEARCH_FOLDER        1021

@@ -10,6 +10,8 @@
 #include "description/PathHelpers.h"
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
+#include "analysis/CloseWindowsPage.h"
+#include "analysis/ComponentSearch.h"
 #include "engine/FinishPages.h"
 #include "engine/InstallCopyPage.h"
 
@@ -105,13 +107,19 @@ int CInstallDestinationPage::onNext(CInstallWizard* owner)
     return 1;
 }
 
-void registerPages(CInstallWizard& wizard, bool)
+void registerPages(CInstallWizard& wizard, bool troubleshooting)
 {
     // The page order is the road of the wizard: Next goes to the following page
     // that does not pass itself over, Back to the one before.
     wizard.addPage(100, new CInstallWelcomePage);
     wizard.addPage(108, new CInstallUpdatePage);
     wizard.addPage(110, new CInstallAgreementPage);
+    wizard.addPage(101, new CCloseWindowsPage);
+    // The analysis of the computer exists in troubleshooting mode only.
+    if (troubleshooting) {
+        wizard.addPage(102, new CSearchIntroPage);
+        wizard.addPage(103, new CSearchPage);
+    }
     wizard.addPage(104, new CInstallDestinationPage);
     wizard.addPage(105, new CInstallPage(IDD_PAGE_READY));
     wizard.addPage(106, new CInstallCopyPage);

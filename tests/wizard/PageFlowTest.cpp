@@ -3,54 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
-#include <thread>
 
-#include "UiDriver.h"
+#include "InProcessWizard.h"
 #include "description/PathHelpers.h"
-#include "wizard/InstallPage.h"
-#include "wizard/InstallWizard.h"
 #include "wizard/PlainPages.h"
 
 namespace {
-// Runs the frame modally here and `user` on a second thread; the frame is
-// cancelled at the end if the user left it open.
-void runWizard(CInstallWizard& wizard, const std::function<void()>& user)
-{
-    std::thread thread([&] {
-        HWND frame = nullptr;
-        for (int i = 0; i < 200 && !(frame = wizard.hwnd); ++i) Sleep(25);
-        if (frame) user();
-        if (IsWindow(frame)) {
-            wizard.finishing = 0;
-            PostMessageA(frame, WM_COMMAND, IDCANCEL, 0);
-            uidriver::WindowQuery box{"Abort Install", GetCurrentProcessId(), false};
-            if (HWND question = uidriver::waitForWindow(box, 5000)) uidriver::pressButton(question, IDYES);
-        }
-    });
-    wizard.showFrame();
-    thread.join();
-}
-
-// Polls until the condition holds (the frame moves through posted messages).
-bool eventually(const std::function<bool()>& condition)
-{
-    for (int i = 0; i < 100; ++i) {
-        if (condition()) return true;
-        Sleep(30);
-    }
-    return false;
-}
-
-bool onPage(CInstallWizard& wizard, int id)
-{
-    return wizard.pages[wizard.currentPage]->id == id;
-}
-
-void press(CInstallWizard& wizard, int id) { PostMessageA(wizard.hwnd, WM_COMMAND, id, 0); }
-
-bool nextEnabled(CInstallWizard& wizard) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, 1001)) != FALSE; }
-
 // A page whose answers the test sets.
 class ScriptedPage : public CInstallPage {
 public:
