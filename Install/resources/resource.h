@@ -131,3 +131,13 @@
 #define IDC_CONFIRM_USER         1030
 #define IDC_CONFIRM_EMAIL        1034
 #define IDC_CONFIRM_ZIP          1069
+
+// Machine analysis: the close windows page, and the search pages of /T
+#define IDD_PAGE_CLOSE_WINDOWS   114
+#define IDC_CLOSE_SKIP           1012
+#define IDC_CLOSE_LIST           1014
+#define IDD_PAGE_SEARCH_INTRO    120
+#define IDC_SEARCH_SKIP          1012
+#define IDD_PAGE_SEARCH          121
+#define IDC_SEARCH_ACTIVITY      1020
+#define IDC_SEARCH_FOLDER        1021

@@ -15,6 +15,8 @@
 #include "account/ConfirmPage.h"
 #include "account/DetailsPage.h"
 #include "account/LoginPage.h"
+#include "analysis/CloseWindowsPage.h"
+#include "analysis/ComponentSearch.h"
 #include "engine/FinishPages.h"
 #include "engine/InstallCopyPage.h"
 
@@ -110,7 +112,7 @@ int CInstallDestinationPage::onNext(CInstallWizard* owner)
     return 1;
 }
 
-void registerPages(CInstallWizard& wizard, bool)
+void registerPages(CInstallWizard& wizard, bool troubleshooting)
 {
     // The page order is the road of the wizard: Next goes to the following page
     // that does not pass itself over, Back to the one before.
@@ -122,6 +124,12 @@ void registerPages(CInstallWizard& wizard, bool)
     wizard.addPage(114, new CInstallLoginPage);
     wizard.addPage(116, new CInstallAccountPage);
     wizard.addPage(118, new CInstallConfirmPage);
+    wizard.addPage(101, new CCloseWindowsPage);
+    // The analysis of the computer exists in troubleshooting mode only.
+    if (troubleshooting) {
+        wizard.addPage(102, new CSearchIntroPage);
+        wizard.addPage(103, new CSearchPage);
+    }
     wizard.addPage(104, new CInstallDestinationPage);
     wizard.addPage(105, new CInstallPage(IDD_PAGE_READY));
     wizard.addPage(106, new CInstallCopyPage);

@@ -68,6 +68,7 @@ TEST_F(RestartRun, CopiesRegistersOpensTheWelcomePageAndRemovesTheSource)
     EXPECT_NE(browserLog().find("http://www.tavrin.example/welcome"), std::string::npos) << browserLog();
     EXPECT_EQ(GetFileAttributesA(source.c_str()), INVALID_FILE_ATTRIBUTES) << "source folder stays";
     EXPECT_EQ(readFlag(), "0");
+    expectLogHead(logLines());
 }
 
 TEST_F(RestartRun, FailingCopyStopsAtItsLineAndKeepsEverything)

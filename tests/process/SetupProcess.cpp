@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -103,6 +104,67 @@ std::string readLog()
     char windows[MAX_PATH];
     GetWindowsDirectoryA(windows, sizeof windows);
     return readFile(std::string(windows) + "\\TavRinInstall.log");
+}
+
+std::vector<std::string> logLines()
+{
+    std::vector<std::string> lines;
+    std::string log = readLog();
+    size_t start = 0;
+    for (size_t end; (end = log.find("\r\n", start)) != std::string::npos; start = end + 2) {
+        std::string line = log.substr(start, end - start);
+        bool stamped = line.size() >= 21 && line[2] == '-' && line[5] == '-' && line[10] == ' ' &&
+                       line[13] == ':' && line[16] == ':' && line.compare(19, 2, "- ") == 0;
+        lines.push_back(stamped ? line.substr(21) : line);
+    }
+    EXPECT_EQ(start, log.size()) << "the log ends with an unterminated line";
+    return lines;
+}
+
+bool hasLine(const std::vector<std::string>& lines, const std::string& text)
+{
+    for (const std::string& line : lines)
+        if (line == text) return true;
+    return false;
+}
+
+void expectLogHead(const std::vector<std::string>& lines)
+{
+    ASSERT_GE(lines.size(), 15u);
+    EXPECT_EQ(lines[0], "TavRin Installation Log");
+    EXPECT_EQ(lines[1], "If you experience any problems during the installation, please forward "
+                        "this log to support@tavrin.example");
+    EXPECT_EQ(lines[2], std::string(30, '-') + " System Information " + std::string(30, '-'));
+    char windows[MAX_PATH] = "", system[MAX_PATH] = "";
+    GetWindowsDirectoryA(windows, sizeof windows);
+    GetSystemDirectoryA(system, sizeof system);
+    OSVERSIONINFOA os = {};
+    os.dwOSVersionInfoSize = sizeof os;
+    GetVersionExA(&os);
+    SYSTEM_INFO machine = {};
+    GetSystemInfo(&machine);
+    const std::string fixed[] = {
+        std::string("Windows Directory: ") + windows,
+        std::string("System Directory: ") + system,
+        "Windows OS: Windows NT",
+        "Windows Version: " + std::to_string(os.dwMajorVersion) + "." + std::to_string(os.dwMinorVersion),
+        std::string("Service Packs: ") + os.szCSDVersion,
+        "Internet Explorer Version: " +
+            readValue(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Internet Explorer", "Version"),
+    };
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(lines[3 + i], fixed[i]);
+    // A 64-bit processor has a type of its own, which the report leaves empty.
+    EXPECT_TRUE(lines[9] == "Processor: " || lines[9] == "Processor: Intel Pentium Processor" ||
+                lines[9] == "Processor: Intel 486 Processor" || lines[9] == "Processor: Intel 386 Processor")
+        << lines[9];
+    EXPECT_EQ(lines[10], "Processor Count: " + std::to_string(machine.dwNumberOfProcessors));
+    // The version of the system's wininet.dll, not its path (which stands there on failure).
+    EXPECT_EQ(lines[11].rfind("Wininet version: ", 0), 0u);
+    EXPECT_EQ(std::count(lines[11].begin(), lines[11].end(), '.'), 3) << lines[11];
+    EXPECT_EQ(lines[11].find('\\'), std::string::npos) << lines[11];
+    EXPECT_EQ(lines[12], "Connection Type: Lan") << "Wine reports a LAN";
+    EXPECT_EQ(lines[13], std::string(80, '-'));
+    EXPECT_EQ(lines[14], "Begin Installation");
 }
 
 std::string readFlag()

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "UiDriver.h"
 
@@ -27,6 +28,13 @@ private:
 
 std::string testFolder();  // the folder of the test program, with a trailing backslash
 std::string readLog();     // TavRinInstall.log of the Windows directory
+// The log's lines without their "DD-MM-YYYY HH:MM:SS- " stamps; a line whose
+// stamp is malformed is kept whole, so that a comparison shows it.
+std::vector<std::string> logLines();
+bool hasLine(const std::vector<std::string>& lines, const std::string& text);
+// The head every run's log opens with: its two header lines, the system report
+// (each value as this machine gives it), "Begin Installation".
+void expectLogHead(const std::vector<std::string>& lines);
 std::string tempFolder();  // GetTempPathA, with its trailing backslash
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& data);

@@ -13,46 +13,6 @@ const char* const previousRunText =
     "complete.  Please review the TavRinInstall.log in your windows directory or for more "
     "assistance send this file to our support department at support@tavrin.example";
 
-// The log's lines without their "DD-MM-YYYY HH:MM:SS- " stamps; a line whose
-// stamp is malformed is kept whole, so the comparison shows it.
-std::vector<std::string> logLines()
-{
-    std::vector<std::string> lines;
-    std::string log = readLog();
-    size_t start = 0;
-    for (size_t end; (end = log.find("\r\n", start)) != std::string::npos; start = end + 2) {
-        std::string line = log.substr(start, end - start);
-        bool stamped = line.size() >= 21 && line[2] == '-' && line[5] == '-' && line[10] == ' ' &&
-                       line[13] == ':' && line[16] == ':' && line.compare(19, 2, "- ") == 0;
-        lines.push_back(stamped ? line.substr(21) : line);
-    }
-    EXPECT_EQ(start, log.size()) << "the log ends with an unterminated line";
-    return lines;
-}
-
-bool hasLine(const std::vector<std::string>& lines, const std::string& text)
-{
-    for (const std::string& line : lines)
-        if (line == text) return true;
-    return false;
-}
-
-void expectLogHead(const std::vector<std::string>& lines)
-{
-    ASSERT_GE(lines.size(), 15u);
-    EXPECT_EQ(lines[0], "TavRin Installation Log");
-    EXPECT_EQ(lines[1], "If you experience any problems during the installation, please forward "
-                        "this log to support@tavrin.example");
-    EXPECT_EQ(lines[2], std::string(30, '-') + " System Information " + std::string(30, '-'));
-    const char* report[] = {"Windows Directory: ", "System Directory: ", "Windows OS: Windows NT",
-                            "Windows Version: ", "Service Packs: ", "Internet Explorer Version: ",
-                            "Processor: ", "Processor Count: ", "Wininet version: ",
-                            "Connection Type: "};
-    for (int i = 0; i < 10; ++i)
-        EXPECT_EQ(lines[3 + i].rfind(report[i], 0), 0u) << lines[3 + i];
-    EXPECT_EQ(lines[13], std::string(80, '-'));
-    EXPECT_EQ(lines[14], "Begin Installation");
-}
 // Quiet runs here go on to install: into a folder that stands, removed after.
 class Startup : public ::testing::Test {
 protected:

@@ -6,14 +6,10 @@
 
 #include "WizardTestSupport.h"
 #include "description/PathHelpers.h"
-#include "wizard/InstallPage.h"
-#include "wizard/InstallWizard.h"
 #include "wizard/PlainPages.h"
 
 namespace {
 using namespace wizardtest;
-
-bool nextEnabled(CInstallWizard& wizard) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, 1001)) != FALSE; }
 
 // A page whose answers the test sets.
 class ScriptedPage : public CInstallPage {

@@ -13,38 +13,71 @@
 
 namespace wizardtest {
 
-// Runs the frame modally here and `user` on a second thread; the frame is
-// cancelled at the end if the user left it open.
-inline void runWizard(CInstallWizard& wizard, const std::function<void()>& user)
+// A message box that a failed test left open would keep the frame's loop
+// waiting for ever: each is answered with OK, or No where it has no OK.
+inline BOOL CALLBACK answerLeftBox(HWND window, LPARAM frame)
+{
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    char className[16] = "";
+    GetClassNameA(window, className, sizeof className);
+    if (process != GetCurrentProcessId() || window == reinterpret_cast<HWND>(frame) || !IsWindowVisible(window) ||
+        lstrcmpA(className, "#32770") != 0)
+        return TRUE;
+    uidriver::pressButton(window, GetDlgItem(window, IDOK) ? IDOK : IDNO);
+    return TRUE;
+}
+
+// Runs the frame here and `user` on a second thread; the frame is cancelled at
+// the end if the user left it open. The frame's result.
+inline INT_PTR runWizard(CInstallWizard& wizard, const std::function<void()>& user)
 {
     std::thread thread([&] {
         HWND frame = nullptr;
         for (int i = 0; i < 200 && !(frame = wizard.hwnd); ++i) Sleep(25);
         if (frame) user();
         if (IsWindow(frame)) {
+            EnumWindows(answerLeftBox, reinterpret_cast<LPARAM>(frame));
+            Sleep(100);
             wizard.finishing = 0;
             PostMessageA(frame, WM_COMMAND, IDCANCEL, 0);
             uidriver::WindowQuery box{"Abort Install", GetCurrentProcessId(), false};
             if (HWND question = uidriver::waitForWindow(box, 5000)) uidriver::pressButton(question, IDYES);
         }
     });
-    wizard.showFrame();
+    INT_PTR result = wizard.showFrame();
     thread.join();
+    return result;
 }
 
 // Polls until the condition holds (the frame moves through posted messages).
-inline bool eventually(const std::function<bool()>& condition)
+inline bool eventually(const std::function<bool()>& condition, int tries = 100)
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < tries; ++i) {
         if (condition()) return true;
         Sleep(30);
     }
     return false;
 }
 
-inline bool onPage(CInstallWizard& wizard, int id) { return wizard.pages[wizard.currentPage]->id == id; }
+inline bool onPage(CInstallWizard& wizard, int id)
+{
+    return wizard.currentPage < static_cast<int>(wizard.pages.size()) && wizard.pages[wizard.currentPage]->id == id;
+}
 
+// The page is the current one and stands on the screen (the current page is
+// set before its window is made).
+inline bool shown(CInstallWizard& wizard, int id)
+{
+    if (!onPage(wizard, id)) return false;
+    HWND page = wizard.pages[wizard.currentPage]->hwnd;
+    return page && IsWindowVisible(page);
+}
+
+// Presses a button of the frame (Back 1000, Next 1001, Cancel).
 inline void press(CInstallWizard& wizard, int id) { PostMessageA(wizard.hwnd, WM_COMMAND, id, 0); }
+
+inline bool nextEnabled(CInstallWizard& wizard) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, 1001)) != FALSE; }
 
 // A window's client area as it stands on the screen.
 struct Capture {

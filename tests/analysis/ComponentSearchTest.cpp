@@ -1,0 +1,291 @@
+// The analysis of /T on drives of the test's own (own-drives.sh): C: of the
+// prefix, and M: and N:, which hold copies of the product's files laid out by
+// each test. The real pages run in this process; a second thread is the user.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "WizardTestSupport.h"
+#include "SetupProcess.h"
+#include "analysis/CloseWindowsPage.h"
+#include "analysis/ComponentSearch.h"
+#include "description/PathHelpers.h"
+#include "description/VersionInfo.h"
+#include "engine/FinishPages.h"
+#include "engine/InstallCopyPage.h"
+#include "engine/RestartScript.h"
+#include "wizard/PlainPages.h"
+
+using namespace wizardtest;
+
+namespace {
+const char* const olderVersion = "3, 0, 9, 1";
+
+// Deletes everything below `folder`, names with a point in front too.
+void clearFolder(const std::string& folder)
+{
+    WIN32_FIND_DATAA entry;
+    HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) return;
+    do {
+        std::string name = entry.cFileName, path = folder + "\\" + name;
+        if (name == "." || name == "..") continue;
+        if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+            clearFolder(path);
+            RemoveDirectoryA(path.c_str());
+        } else {
+            DeleteFileA(path.c_str());
+        }
+    } while (FindNextFileA(search, &entry));
+    FindClose(search);
+}
+
+// `path` made with its folders: a copy of the test's file `from`, or these bytes.
+void place(const std::string& path, const std::string& from)
+{
+    createFolderPath(path.substr(0, path.find_last_of('\\')).c_str());
+    ASSERT_TRUE(CopyFileA((testFolder() + from).c_str(), path.c_str(), FALSE)) << path;
+}
+
+void placeBytes(const std::string& path, const std::string& bytes)
+{
+    createFolderPath(path.substr(0, path.find_last_of('\\')).c_str());
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE) << path;
+    DWORD written = 0;
+    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+bool under(const std::string& path, const char* folder)
+{
+    return path.size() >= strlen(folder) && _strnicmp(path.c_str(), folder, strlen(folder)) == 0;
+}
+
+// The pages of a /T run on a machine without the product, and the payload in
+// an extraction folder of its own, loaded as the run loads it.
+class Search : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (const char* folder : {"M:", "N:", "C:\\tvsearch"}) clearFolder(folder);
+        RemoveDirectoryA("C:\\tvsearch");
+        removeInstallation();
+        const std::string source = "C:\\.tvsource";
+        createFolderPath(source.c_str());
+        for (const char* name : {"TAVRIN.DLL", "TAVRINBH.DLL", "tvdownload.exe", "tvprotocol.dll", "setup.ini"}) {
+            place(source + "\\" + name, std::string("payload\\") + name);
+            wizard.cabinet.entries.push_back({name, 0});
+        }
+        lstrcpyA(wizard.sourceFolder, source.c_str());
+        ASSERT_EQ(wizard.loadSettings(), 1);
+        // The road of a /T run from the welcome page to the finish, without the
+        // account pages, which pass themselves over or wait for a choice.
+        wizard.addPage(100, new CInstallWelcomePage);
+        wizard.addPage(101, new CCloseWindowsPage);
+        wizard.addPage(102, new CSearchIntroPage);
+        wizard.addPage(103, new CSearchPage);
+        wizard.addPage(104, new CInstallDestinationPage);
+        wizard.addPage(105, new CInstallPage(116));
+        wizard.addPage(106, new CInstallCopyPage);
+        wizard.addPage(107, new CInstallFinishPage(144));
+        search = dynamic_cast<CSearchPage*>(wizard.findPage(103));
+        ASSERT_TRUE(search);
+    }
+    void TearDown() override
+    {
+        for (HANDLE file : held) CloseHandle(file);
+    }
+
+    // Held open here as a loaded DLL is: others may read it, nobody may write it.
+    void holdOpen(const std::string& path)
+    {
+        held.push_back(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_NE(held.back(), INVALID_HANDLE_VALUE);
+    }
+    void release()
+    {
+        for (HANDLE file : held) CloseHandle(file);
+        held.clear();
+    }
+
+    // "<folder>\<name>, <version>[, in use]" for each found copy under these folders, sorted.
+    std::vector<std::string> found(std::initializer_list<const char*> folders)
+    {
+        std::vector<std::string> result;
+        for (const CInstallFile& copy : wizard.settings.foundFiles) {
+            bool wanted = false;
+            for (const char* folder : folders) wanted = wanted || under(copy.destFolder, folder);
+            if (!wanted) continue;
+            EXPECT_EQ(copy.sourceFolder, copy.destFolder);
+            result.push_back(joinPath(copy.destFolder.c_str(), copy.fileName.c_str(), path, sizeof path) +
+                             (", " + copy.version) + (copy.writable ? "" : ", in use"));
+        }
+        std::sort(result.begin(), result.end());
+        return result;
+    }
+    std::string payloadVersion() const { return wizard.settings.files[0].version; }
+    std::string pageText(int id) { return uidriver::controlText(search->hwnd, id); }
+
+    CInstallWizard wizard{false};
+    CSearchPage* search = nullptr;
+    std::vector<HANDLE> held;
+    char path[MAX_PATH];
+};
+}  // namespace
+
+TEST_F(Search, FindsTheProductsCopiesOnEveryFixedDriveOnce)
+{
+    place("C:\\tvsearch\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+    place("M:\\TavRin\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+    place("M:\\TavRin\\tvdownload.exe", "payload\\tvdownload.exe");  // UpgradeCheck FALSE: never looked for
+    place("M:\\Other\\TAVRIN.DLL", "othermaker.dll");
+    place("M:\\InUse\\TAVRINBH.DLL", "older\\TAVRINBH.DLL");
+    holdOpen("M:\\InUse\\TAVRINBH.DLL");
+    placeBytes("M:\\NoVersion\\tavrinbh.dll", "no version block here");
+    place("M:\\.hidden\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+    place("M:\\Deep\\1\\2\\3\\4\\5\\6\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+    place("N:\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+
+    runWizard(wizard, [&] {
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return shown(wizard, 102); })) << "no browser window open";
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return onPage(wizard, 104); }, 1000)) << "the analysis moves on by itself";
+        EXPECT_EQ(search->searched, 1);
+        EXPECT_EQ(pageText(1020), "Searching for components...");
+        EXPECT_TRUE(under(pageText(1021), "N:\\")) << "drives in order, N: walked last: " << pageText(1021);
+
+        // Back passes over both analysis pages for good, and so does Next.
+        press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 100); }));
+        press(wizard, 1001);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); }));
+    });
+    const std::string version = payloadVersion();
+    std::vector<std::string> expected = {
+        "C:\\tvsearch\\TAVRIN.DLL, " + version,
+        "M:\\Deep\\1\\2\\3\\4\\5\\6\\TAVRIN.DLL, " + version,
+        "M:\\InUse\\TAVRINBH.DLL, " + std::string(olderVersion) + ", in use",
+        "M:\\NoVersion\\TAVRINBH.DLL, " + version,  // keeps the payload's version and company
+        "M:\\TavRin\\TAVRIN.DLL, " + version,
+        "N:\\TAVRIN.DLL, " + version,
+    };
+    EXPECT_EQ(found({"C:\\tvsearch", "M:", "N:"}), expected);
+    for (const CInstallFile& copy : wizard.settings.foundFiles)
+        EXPECT_TRUE(under(copy.destFolder, "C:") || under(copy.destFolder, "M:") || under(copy.destFolder, "N:"))
+            << copy.destFolder << ": only fixed drives are walked";
+}
+
+TEST_F(Search, SkipIsTakenBackOnReturnAndARefusedRequirementEndsTheWizard)
+{
+    place("M:\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+    // The run's checks passed before the frame; on the analysis page they fail.
+    wizard.settings.registryChecks.push_back({"Internet Explorer", "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Internet Explorer",
+                                              "Version", "VERGREATER", "99.0", 1});
+    std::string refusal;
+    INT_PTR result = runWizard(wizard, [&] {
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return shown(wizard, 102); }));
+        PostMessageA(wizard.findPage(102)->hwnd, WM_COMMAND, 1012, 0);
+        EXPECT_TRUE(eventually([&] { return onPage(wizard, 104); }));
+        EXPECT_FALSE(uidriver::findWindow({"Incorrect Version", GetCurrentProcessId(), false}))
+            << "Skip repeats no check";
+
+        press(wizard, 1000);
+        EXPECT_TRUE(eventually([&] { return shown(wizard, 102); })) << "the question comes back, the Skip is undone";
+        press(wizard, 1001);
+        HWND box = uidriver::waitForWindow({"Incorrect Version", GetCurrentProcessId(), false}, 10000);
+        ASSERT_TRUE(box);
+        EXPECT_FALSE(nextEnabled(wizard));
+        refusal = uidriver::messageText(box);
+        uidriver::pressButton(box, IDOK);
+        EXPECT_TRUE(eventually([&] { return !IsWindow(wizard.hwnd); }));
+    });
+    EXPECT_EQ(result, 0);
+    EXPECT_NE(refusal.find("Please upgrade your Internet Explorer to 99.0 or higher."), std::string::npos) << refusal;
+    EXPECT_TRUE(wizard.settings.foundFiles.empty()) << "no drive was walked";
+    EXPECT_EQ(search->searched, 0);
+
+    CInstallWizard plain(false);
+    registerPages(plain, false);
+    EXPECT_TRUE(plain.findPage(101));
+    EXPECT_FALSE(plain.findPage(102) || plain.findPage(103)) << "the analysis pages exist with /T only";
+}
+
+TEST_F(Search, CancelDuringTheWalkEndsEveryLevelAndLeavesEachDriveAShortVisit)
+{
+    for (int i = 0; i < 400; ++i) {
+        std::string name = "\\Many\\f" + std::to_string(1000 + i) + "\\TAVRIN.DLL";
+        placeBytes("M:" + name, "copy");
+        placeBytes("N:" + name, "copy");
+    }
+    INT_PTR result = runWizard(wizard, [&] {
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return shown(wizard, 102); }));
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return search->hwnd && under(pageText(1021), "M:\\Many\\f"); }, 2000));
+        press(wizard, IDCANCEL);
+        HWND box = uidriver::waitForWindow({"Abort Install", GetCurrentProcessId(), false}, 5000);
+        ASSERT_TRUE(box);
+        uidriver::pressButton(box, IDYES);
+        EXPECT_TRUE(eventually([&] { return !IsWindow(wizard.hwnd); }));
+    });
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(wizard.cancelled, 1);
+    size_t onM = found({"M:"}).size(), onN = found({"N:"}).size();
+    EXPECT_LT(onM, 400u) << "the walk of M: stopped";
+    EXPECT_EQ(onN, 1u) << "the drive loop goes on, and N: is entered along its first names only";
+}
+
+TEST_F(Search, FilePassLeavesAFoundCopyInUseOfAnotherVersionToTheRestart)
+{
+    // The destination holds an older helper, in use while the drives are
+    // walked and free again by the time the files are copied, and a main DLL
+    // without a version block.
+    const std::string destination = "M:\\TavRin";
+    place(destination + "\\TAVRINBH.DLL", "older\\TAVRINBH.DLL");
+    holdOpen(destination + "\\TAVRINBH.DLL");
+    placeBytes(destination + "\\TAVRIN.DLL", "an old main DLL without a version block");
+
+    runWizard(wizard, [&] {
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return shown(wizard, 102); }));
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return shown(wizard, 104); }, 1000));
+        release();
+        uidriver::setControlText(wizard.findPage(104)->hwnd, 1005, destination);
+        press(wizard, 1001);
+        ASSERT_TRUE(eventually([&] { return onPage(wizard, 105); }));
+        press(wizard, 1001);
+        HWND box = uidriver::waitForWindow({"Installation Complete", GetCurrentProcessId(), false}, 20000);
+        ASSERT_TRUE(box) << "the finish page asks for the restart";
+        uidriver::pressButton(box, IDNO);
+        EXPECT_TRUE(onPage(wizard, 107));
+    });
+    EXPECT_EQ(found({"M:"}), (std::vector<std::string>{destination + "\\TAVRIN.DLL, " + payloadVersion(),
+                                                          destination + "\\TAVRINBH.DLL, " + olderVersion + ", in use"}));
+    EXPECT_EQ(wizard.restartNeeded, 1);
+    char installed[256];
+    getFileVersionText((destination + "\\TAVRINBH.DLL").c_str(), installed, sizeof installed);
+    EXPECT_STREQ(installed, olderVersion) << "the helper is left for the restart, not copied";
+    getFileVersionText((destination + "\\TAVRIN.DLL").c_str(), installed, sizeof installed);
+    EXPECT_EQ(installed, payloadVersion()) << "a found copy that can be written is replaced";
+    for (const CInstallFile& copy : wizard.settings.foundFiles)
+        if (under(copy.destFolder, "M:")) {
+            EXPECT_EQ(copy.done, copy.writable) << copy.fileName;
+        }
+
+    std::string script = readFile(std::string(wizard.sourceFolder) + "\\tavrin.rss");
+    std::vector<std::string> copies;
+    for (const CRestartCommand& command : readRestartCommands(script.c_str()))
+        if (command.kind == CRestartCommand::copy) copies.push_back(command.second);
+    EXPECT_EQ(copies, std::vector<std::string>{destination + "\\TAVRINBH.DLL"});
+
+    // What the pass left on this machine besides the drive M:.
+    clearFolder(wizard.sourceFolder);
+    RemoveDirectoryA(wizard.sourceFolder);
+    removeInstallation();
+}

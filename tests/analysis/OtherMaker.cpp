@@ -1,0 +1,4 @@
+// The code of the other company's DLL: nothing but an entry point.
+#include <windows.h>
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID) { return TRUE; }
