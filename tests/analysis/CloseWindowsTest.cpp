@@ -14,35 +14,6 @@
 using namespace wizardtest;
 
 namespace {
-// windowhost.exe with these windows ("[hidden:]<class>=<title>"); ready once
-// its message loop waits for input.
-class WindowHost {
-public:
-    WindowHost(const std::string& record, const std::vector<std::string>& windows)
-    {
-        std::string commandLine = "\"" + testFolder() + "..\\process\\windowhost.exe\" \"" + record + "\"";
-        for (const std::string& window : windows) commandLine += " \"" + window + "\"";
-        STARTUPINFOA startup = {};
-        startup.cb = sizeof startup;
-        if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
-            ADD_FAILURE() << "cannot start windowhost.exe: error " << GetLastError();
-        else
-            WaitForInputIdle(info.hProcess, 10000);
-    }
-    ~WindowHost()
-    {
-        if (!info.hProcess) return;
-        TerminateProcess(info.hProcess, 0);
-        WaitForSingleObject(info.hProcess, 5000);
-        CloseHandle(info.hProcess);
-        CloseHandle(info.hThread);
-    }
-    bool ended(DWORD timeoutMs) { return WaitForSingleObject(info.hProcess, timeoutMs) == WAIT_OBJECT_0; }
-
-private:
-    PROCESS_INFORMATION info = {};
-};
-
 // Two plain pages round page 101, which reads the product's description.
 class CloseWindows : public ::testing::Test {
 protected:

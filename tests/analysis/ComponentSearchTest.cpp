@@ -289,3 +289,57 @@ TEST_F(Search, FilePassLeavesAFoundCopyInUseOfAnotherVersionToTheRestart)
     RemoveDirectoryA(wizard.sourceFolder);
     removeInstallation();
 }
+
+// The whole /T road of the program itself: a browser window open, a copy of
+// the product on a drive, the choice of no new account, then 101 closes the
+// window, 102 and 103 search, and the install runs to its end.
+TEST(TroubleshootingRoad, ClosesTheBrowserSearchesTheDrivesAndInstalls)
+{
+    removeInstallation();
+    clearFolder("M:");
+    place("M:\\old\\TAVRINBH.DLL", "older\\TAVRINBH.DLL");
+    std::string record = tempFolder() + "tvroad" + std::to_string(GetCurrentProcessId()) + ".txt";
+    DeleteFileA(record.c_str());
+    WindowHost browser(record, {"IEFrame=A page - Browser"});
+
+    SetupProcess setup("/T", testFolder() + "SETUP.EXE");
+    HWND frame = setup.window(wizardCaption, 20000);
+    ASSERT_TRUE(frame);
+    uidriver::pressButton(frame, 1001);
+    ASSERT_TRUE(keepExistingAccount(frame));
+
+    HWND close = pageShowing(frame, 1014);
+    ASSERT_TRUE(close) << "no close windows page";
+    for (int i = 0; i < 100 && SendDlgItemMessageA(close, 1014, LB_GETCOUNT, 0, 0) != 1; ++i) Sleep(20);
+    EXPECT_EQ(SendDlgItemMessageA(close, 1014, LB_GETCOUNT, 0, 0), 1) << "the browser window is listed";
+    uidriver::pressButton(frame, 1001);
+    EXPECT_TRUE(browser.ended(5000));
+    EXPECT_EQ(readFile(record), "closed A page - Browser\r\n");
+
+    ASSERT_TRUE(pageShowing(frame, 1012)) << "no search question";
+    uidriver::pressButton(frame, 1001);
+    // The search moves on by itself to the folder page.
+    ASSERT_TRUE(pageShowing(frame, 1005, nullptr, 60000)) << "the search did not end";
+    // Page 103 came up and searched on its way to the folder page.
+    HWND searched = nullptr;
+    for (HWND page = FindWindowExA(frame, nullptr, nullptr, nullptr); page; page = FindWindowExA(frame, page, nullptr, nullptr))
+        if (GetDlgItem(page, 1021)) searched = page;
+    ASSERT_TRUE(searched) << "the search page never came up";
+    EXPECT_EQ(uidriver::controlText(searched, 1020), "Searching for components...");
+    uidriver::pressButton(frame, 1001);
+    answerBox(setup, "Create Folder", IDYES);
+    ASSERT_TRUE(pageShowing(frame, 0, "TavRin Personal Installation is almost complete!"));
+    uidriver::pressButton(frame, 1001);
+    HWND finish = pageShowing(frame, 1018);
+    ASSERT_TRUE(finish) << "no finish page";
+    finishOpeningNothing(frame, finish);
+    EXPECT_EQ(setup.wait(), 0);
+
+    EXPECT_TRUE(exists(installFolder + "\\TAVRIN.DLL"));
+    // A found copy outside the destination is only looked at, never changed.
+    char text[64] = "";
+    getFileVersionText("M:\\old\\TAVRINBH.DLL", text, sizeof text);
+    EXPECT_STREQ(text, olderVersion);
+    DeleteFileA(record.c_str());
+    removeInstallation();
+}

@@ -325,3 +325,26 @@ bool runToEnd(std::string commandLine, DWORD timeoutMs)
     CloseHandle(info.hThread);
     return ended;
 }
+
+WindowHost::WindowHost(const std::string& record, const std::vector<std::string>& windows)
+{
+    std::string program = testFolder() + "windowhost.exe";
+    if (!exists(program)) program = testFolder() + "..\\process\\windowhost.exe";
+    std::string commandLine = "\"" + program + "\" \"" + record + "\"";
+    for (const std::string& window : windows) commandLine += " \"" + window + "\"";
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
+        ADD_FAILURE() << "cannot start windowhost.exe: error " << GetLastError();
+    else
+        WaitForInputIdle(info.hProcess, 10000);
+}
+
+WindowHost::~WindowHost()
+{
+    if (!info.hProcess) return;
+    TerminateProcess(info.hProcess, 0);
+    WaitForSingleObject(info.hProcess, 5000);
+    CloseHandle(info.hProcess);
+    CloseHandle(info.hThread);
+}

@@ -85,3 +85,16 @@ const char* const wizardCaption = "TavRin Installation - 3. 1. 0. 12";
 void cancelWizard(SetupProcess& process);
 // Presses `button` on the box with `caption` of `process` and returns its text.
 std::string answerBox(SetupProcess& process, const std::string& caption, int button = IDOK);
+
+// windowhost.exe (beside the test program, or in the process tests' folder)
+// with these top-level windows, "[hidden:]<class>=<title>"; each SC_CLOSE that
+// reaches one is written to `record`. Ready once its message loop waits for input.
+class WindowHost {
+public:
+    WindowHost(const std::string& record, const std::vector<std::string>& windows);
+    ~WindowHost();
+    bool ended(DWORD timeoutMs) { return WaitForSingleObject(info.hProcess, timeoutMs) == WAIT_OBJECT_0; }
+
+private:
+    PROCESS_INFORMATION info = {};
+};
