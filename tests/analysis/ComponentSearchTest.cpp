@@ -23,25 +23,6 @@ using namespace wizardtest;
 namespace {
 const char* const olderVersion = "3, 0, 9, 1";
 
-// Deletes everything below `folder`, names with a point in front too.
-void clearFolder(const std::string& folder)
-{
-    WIN32_FIND_DATAA entry;
-    HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &entry);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        std::string name = entry.cFileName, path = folder + "\\" + name;
-        if (name == "." || name == "..") continue;
-        if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            clearFolder(path);
-            RemoveDirectoryA(path.c_str());
-        } else {
-            DeleteFileA(path.c_str());
-        }
-    } while (FindNextFileA(search, &entry));
-    FindClose(search);
-}
-
 // `path` made with its folders: a copy of the test's file `from`, or these bytes.
 void place(const std::string& path, const std::string& from)
 {
@@ -70,7 +51,7 @@ class Search : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        for (const char* folder : {"M:", "N:", "C:\\tvsearch"}) clearFolder(folder);
+        for (const char* folder : {"M:", "N:", "C:\\tvsearch"}) emptyFolder(folder);
         RemoveDirectoryA("C:\\tvsearch");
         removeInstallation();
         const std::string source = "C:\\.tvsource";
@@ -285,7 +266,7 @@ TEST_F(Search, FilePassLeavesAFoundCopyInUseOfAnotherVersionToTheRestart)
     EXPECT_EQ(copies, std::vector<std::string>{destination + "\\TAVRINBH.DLL"});
 
     // What the pass left on this machine besides the drive M:.
-    clearFolder(wizard.sourceFolder);
+    emptyFolder(wizard.sourceFolder);
     RemoveDirectoryA(wizard.sourceFolder);
     removeInstallation();
 }
@@ -296,7 +277,7 @@ TEST_F(Search, FilePassLeavesAFoundCopyInUseOfAnotherVersionToTheRestart)
 TEST(TroubleshootingRoad, ClosesTheBrowserSearchesTheDrivesAndInstalls)
 {
     removeInstallation();
-    clearFolder("M:");
+    emptyFolder("M:");
     place("M:\\old\\TAVRINBH.DLL", "older\\TAVRINBH.DLL");
     std::string record = tempFolder() + "tvroad" + std::to_string(GetCurrentProcessId()) + ".txt";
     DeleteFileA(record.c_str());

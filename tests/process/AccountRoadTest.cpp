@@ -25,26 +25,6 @@ std::string favorites()
     return path;
 }
 
-// Empties `folder`, names that begin with a point included.
-void emptyFolder(const std::string& folder)
-{
-    WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        std::string name = found.cFileName, path = folder + "\\" + name;
-        if (name == "." || name == "..") continue;
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            emptyFolder(path);
-            RemoveDirectoryA(path.c_str());
-        } else {
-            SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            DeleteFileA(path.c_str());
-        }
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
-}
-
 void shortcut(const std::string& relative, const std::string& url)
 {
     std::string text = "[InternetShortcut]\r\n";

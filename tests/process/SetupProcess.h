@@ -44,6 +44,8 @@ void writeFlag(const char* value);
 std::string readFile(const std::string& path);
 
 bool exists(const std::string& path);
+// Deletes everything below `folder` (names that begin with a point too), not the folder.
+void emptyFolder(const std::string& folder);
 // A string value of the registry; "(none)" when it cannot be read.
 std::string readValue(HKEY root, const char* key, const char* name);
 
