@@ -1,50 +1,42 @@
 #!/usr/bin/env bash
-# The main job as far as it goes: SETUP.EXE under Wine, its boxes answered by the
-# driver as a user would, a screenshot of each, and the log it leaves.
+# The main job as far as it goes: SETUP.EXE under Wine against the TavRin service,
+# each road of the wizard played by the scenario runner as a user would, every
+# page and box of it pictured; the pictures make one page, build/demo/gallery.html.
 # Shown on $DISPLAY if there is one, else on a virtual display.
 set -uo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 export WINE_ROOT=$top/build/demo/wine
 [ -n "${DISPLAY:-}" ] && export USE_DISPLAY=$DISPLAY
 . "$top/scripts/wine-session.sh"
-trap wine_session_stop EXIT
+service_dir=$top/build/demo/service
+. "$top/scripts/service-session.sh"
+trap 'service_stop; wine_session_stop' EXIT
 
-shots=$top/build/demo
-mkdir -p "$shots"
-setup=$top/build/x64/SETUP.EXE
+demo=$top/build/demo
 driver=$top/build/x64/tools/driver.exe
-pause=${DEMO_PAUSE:-1}
+scenarios=$top/tests/scenarios
+# In the order they run: each pair or chain leaves the machine to the next.
+runs="fresh-install update new-account known-account-update uninstall copy-fails signup-service-gone"
+# In the order of the gallery: the roads of a first install, the update, the
+# uninstall, the failing file pass, and a fault the new account survives.
+gallery="new-account fresh-install known-account-update update uninstall copy-fails signup-service-gone"
 
 wine_session_start || exit 1
-shot() { sleep 0.3; import -window root "$shots/$1.png" && echo "  screenshot: build/demo/$1.png"; }
+service_start || exit 1
+rm -rf "$demo/shots" "$demo/gallery" "$demo/gallery.html"
+status=0
+for name in $runs; do
+  if wine "$driver" run "$scenarios/$name.txt" --shots "$demo/shots/$name" </dev/null >"$demo/$name.out" 2>&1; then
+    echo "road $name: played, $(ls "$demo/shots/$name" | wc -l) screens"
+  else
+    status=1
+    echo "road $name: FAILED; what the runner saw:"
+    tr -d '\r' <"$demo/$name.out" | grep -v '^ *[0-9]* ok  ' | sed 's/^/   /'
+  fi
+done
+python3 "$top/scripts/gallery.py" "$demo/shots" "$scenarios" "$demo/gallery.html" $gallery || status=1
 
-echo "1. SETUP.EXE /?  (the help box)"
-wine "$setup" '/?' </dev/null >/dev/null 2>&1 &
-run=$!
-wine "$driver" wait "TavRin Installation" 15 </dev/null | tr -d '\r' | sed 's/^/   /'
-shot 01-help; sleep "$pause"
-wine "$driver" answer "TavRin Installation" OK </dev/null >/dev/null
-wait $run
-
-echo "2. SETUP.EXE after a run that died half way (InstallInProcess left at 1), then the wizard"
-wine reg add 'HKCU\SOFTWARE\Tavrin' /v InstallInProcess /d 1 /f </dev/null >/dev/null 2>&1
-wine "$setup" </dev/null >/dev/null 2>&1 &
-run=$!
-wine "$driver" wait "Error" 15 </dev/null | tr -d '\r' | grep -E '^(caption|message)' | sed 's/^/   /'
-shot 02-previous-run; sleep "$pause"
-wine "$driver" answer "Error" OK </dev/null >/dev/null
-frame="TavRin Installation - 3. 1. 0. 12"
-wine "$driver" wait "$frame" 20 </dev/null | tr -d '\r' | grep -E '^caption' | sed 's/^/   /'
-shot 03-welcome; sleep "$pause"
-wine "$driver" answer "$frame" 1001 </dev/null >/dev/null
-shot 04-destination; sleep "$pause"
-wine "$driver" answer "$frame" 1001 </dev/null >/dev/null
-wine "$driver" answer "Create Folder" Yes 5 </dev/null >/dev/null
-shot 05-ready; sleep "$pause"
-echo "   (the copy pages come next; the demo cancels here)"
-wine "$driver" answer "$frame" 2 </dev/null >/dev/null
-wine "$driver" answer "Abort Install" Yes </dev/null >/dev/null
-wait $run
-
-echo "3. The log it leaves (C:\\windows\\TavRinInstall.log):"
-tr -d '\r' < "$WINEPREFIX/drive_c/windows/TavRinInstall.log" | sed 's/^/   /'
+echo "The log the last run left (C:\\windows\\TavRinInstall.log):"
+tr -d '\r' <"$WINEPREFIX/drive_c/windows/TavRinInstall.log" | sed 's/^/   /'
+echo "Open build/demo/gallery.html to look through the roads."
+exit $status

@@ -6,48 +6,28 @@
 set -uo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 . "$top/scripts/wine-session.sh"
+. "$top/scripts/service-session.sh"
 
-service_dir=$top/build/service
-SERVICE_PID=""
-
-# The service on a free port with a fresh database; its address goes to the test
-# programs as TAVRIN_SERVICE_URL (Wine passes the environment through).
-service_start() {
-  mkdir -p "$service_dir" || return 1
-  rm -f "$service_dir"/tavrin.db* "$service_dir/port" "$service_dir/service.log"
-  python3 "$top/service/tavrin_service.py" --port 0 --test-mode \
-    --db "$service_dir/tavrin.db" --port-file "$service_dir/port" \
-    --log "$service_dir/service.log" </dev/null >/dev/null 2>>"$service_dir/service.log" &
-  SERVICE_PID=$!
-  local port="" _
-  for _ in $(seq 1 100); do
-    [ -s "$service_dir/port" ] && { port=$(cat "$service_dir/port"); break; }
-    kill -0 "$SERVICE_PID" 2>/dev/null || break
-    sleep 0.1
-  done
-  if [ -z "$port" ]; then
-    if kill -0 "$SERVICE_PID" 2>/dev/null; then
-      echo "The TavRin service did not listen within 10 s; its log:" >&2
-    else
-      echo "The TavRin service stopped before it listened; its log:" >&2
-    fi
-    cat "$service_dir/service.log" >&2 2>/dev/null
-    service_stop
-    return 1
-  fi
-  export TAVRIN_SERVICE_URL=http://127.0.0.1:$port
-  echo "TavRin service at $TAVRIN_SERVICE_URL, log in build/service/service.log"
+# A full disk, honestly: a tmpfs of ten pages as drive S:, where the machine lets
+# one be mounted (the test that needs it is skipped otherwise). Unmounted at the end.
+small_drive=$top/build/smalldisk
+small_drive_start() {
+  small_drive_stop  # one left by a run that was killed
+  mkdir -p "$small_drive" &&
+    mount -t tmpfs -o size=40k,mode=0755 tavrin-small "$small_drive" 2>/dev/null || {
+    echo "No small drive (no tmpfs can be mounted here): the full disk test is skipped"
+    return 0
+  }
+  ln -sfn "$small_drive" "$WINEPREFIX/dosdevices/s:"
+  export TAVRIN_SMALL_DRIVE=S:
 }
-
-service_stop() {
-  [ -n "$SERVICE_PID" ] || return 0
-  kill "$SERVICE_PID" 2>/dev/null
-  wait "$SERVICE_PID" 2>/dev/null
-  SERVICE_PID=""
+small_drive_stop() {
+  mountpoint -q "$small_drive" 2>/dev/null && { umount "$small_drive" 2>/dev/null || umount -l "$small_drive"; }
   return 0
 }
 
-trap 'service_stop; wine_session_stop' EXIT
+trap 'service_stop; wine_session_stop; small_drive_stop' EXIT
+trap 'exit 1' INT TERM
 
 status=0
 echo "TavRin service tests"
@@ -57,5 +37,6 @@ python3 -m unittest discover -s "$top/tools/stamp" || status=1
 
 wine_session_start || exit 1
 service_start || exit 1
+small_drive_start
 ctest --test-dir "$top/build/x64" --output-on-failure --timeout 600 || status=1
 exit $status

@@ -45,13 +45,17 @@ INT_PTR CInstallAccountChoicePage::onInitDialog()
 
 void CInstallAccountChoicePage::onDlgReady()
 {
+    // A user quicker than the ready timer has chosen already: the choice stands.
+    bool chosen = checked(hwnd, IDC_CHOICE_NEW) || checked(hwnd, IDC_CHOICE_EXISTING);
     if (!hasAccount) {
         // No choice yet: Next waits for one of the radios.
-        wizard->enableNext(false);
+        if (!chosen) wizard->enableNext(false);
         return;
     }
-    CheckDlgButton(hwnd, IDC_CHOICE_EXISTING, BST_CHECKED);
-    if (!cookieKnown(wizard, "RegistrationInfo")) CheckDlgButton(hwnd, IDC_CHOICE_IMPORT, BST_UNCHECKED);
+    if (!chosen) {
+        CheckDlgButton(hwnd, IDC_CHOICE_EXISTING, BST_CHECKED);
+        if (!cookieKnown(wizard, "RegistrationInfo")) CheckDlgButton(hwnd, IDC_CHOICE_IMPORT, BST_UNCHECKED);
+    }
     installLog.write("Account Already Exists", true);
     ShowWindow(GetDlgItem(hwnd, IDC_CHOICE_DETECTED), SW_SHOW);
 }

@@ -113,8 +113,16 @@ DWORD WINAPI requestWorker(void* argument)
         ++sends;
         installLog.write("Receiving Data from Host", true);
         DWORD size = sizeof request.statusCode;
-        HttpQueryInfoA(handle.handle, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER,
-                       &request.statusCode, &size, nullptr);
+        BOOL statusRead = HttpQueryInfoA(handle.handle, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER,
+                                         &request.statusCode, &size, nullptr);
+        // A send that went through to a status of 0 had no answer: the server
+        // dropped the connection after taking the request. Wine reports that so
+        // at times, where at others (and on Windows) the send itself fails; the
+        // user is told the same either way.
+        if (statusRead && request.statusCode == 0) {
+            request.lastError = ERROR_INTERNET_CONNECTION_ABORTED;
+            break;
+        }
 
         if ((request.statusCode == HTTP_STATUS_PROXY_AUTH_REQ ||
              request.statusCode == HTTP_STATUS_FORBIDDEN) &&

@@ -1,11 +1,14 @@
 // Installs that stop half way (a target that cannot be replaced, a component
-// that refuses to register), a Cancel during the copy, and an uninstall carried
-// out by Wine's own advpack.dll: what each one leaves on the machine.
+// that refuses to register, a full disk, a process killed), a Cancel during the
+// copy, and an uninstall carried out by Wine's own advpack.dll: what each one
+// leaves on the machine.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 
 #include "SetupProcess.h"
+#include "description/PathHelpers.h"
 
 namespace {
 const std::string folder = "C:\\Program Files\\TavRin";
@@ -46,14 +49,18 @@ HWND pageWith(HWND frame, int id, const char* text = nullptr, DWORD timeoutMs = 
     return nullptr;
 }
 
-// A wizard run into the existing folder, walked up to the start of the copy.
-HWND startCopy(SetupProcess& setup)
+// A wizard run walked up to the start of the copy: into the existing folder,
+// or into `newFolder`, made when the wizard asks.
+HWND startCopy(SetupProcess& setup, const std::string& newFolder = "")
 {
     HWND frame = setup.window(wizardCaption, 20000);
     if (!frame) return nullptr;
     uidriver::pressButton(frame, 1001);  // welcome
-    if (!keepExistingAccount(frame) || !pageWith(frame, 1005)) return nullptr;
-    uidriver::pressButton(frame, 1001);  // the folder stands: no question
+    HWND page = keepExistingAccount(frame) ? pageWith(frame, 1005) : nullptr;
+    if (!page) return nullptr;
+    if (!newFolder.empty()) uidriver::setControlText(page, 1005, newFolder);
+    uidriver::pressButton(frame, 1001);
+    if (!newFolder.empty()) answerBox(setup, "Create Folder", IDYES);
     if (!pageWith(frame, 0, "TavRin Personal Installation is almost complete!")) return nullptr;
     uidriver::pressButton(frame, 1001);  // ready: the copy starts
     return frame;
@@ -134,6 +141,78 @@ TEST_F(EngineFailure, RegistrationAnsweringSFalseStopsThePass)
     for (const char* name : payload) EXPECT_TRUE(exists(folder + "\\" + name)) << name << ": no rollback";
     EXPECT_EQ(registeredServer(classIds[1]), "(none)") << "the loop stops at the first refusal";
     EXPECT_EQ(readLog().find("- Registered file TAVRIN.DLL"), std::string::npos);
+}
+
+TEST_F(EngineFailure, FullDiskStopsThePassWithoutACutFile)
+{
+    // A drive of a few pages that scripts/run-tests.sh mounts where the machine allows it.
+    const char* drive = std::getenv("TAVRIN_SMALL_DRIVE");
+    if (!drive) GTEST_SKIP() << "no small drive (TAVRIN_SMALL_DRIVE) on this machine";
+    const std::string small = std::string(drive) + "\\TavRin";
+    removeTree(small.c_str());
+    SetupProcess setup("");
+    HWND frame = startCopy(setup, small);
+    ASSERT_TRUE(frame);
+    std::string text = answerBox(setup, "Error");
+    size_t open = text.find('\''), close = text.find('\'', open + 1);
+    ASSERT_NE(close, std::string::npos) << text;
+    const std::string cut = text.substr(open + 1, close - open - 1);
+    EXPECT_EQ(text, "Error creating file '" + cut +
+                        "'.  Please check you have enough disk space and permission to modify this directory.");
+    finishOnFailurePage(setup, frame);
+
+    expectNothingCountedDone();
+    // The files ahead of the one the disk had no room for are whole; that one is
+    // not left cut short, and none behind it is there.
+    bool before = true;
+    for (const char* name : payload) {
+        std::string path = small + "\\" + name;
+        before = before && path != cut;
+        if (before) EXPECT_EQ(readFile(path), built(std::string("payload\\") + name)) << name;
+        else EXPECT_FALSE(exists(path)) << name;
+    }
+    EXPECT_EQ(readFlag(), "0");
+    removeTree(small.c_str());
+}
+
+TEST_F(EngineFailure, KilledPassIsToldOfAndMendedByTheNextRun)
+{
+    const std::string large = folder + "\\LARGE.BIN", whole = built("tests\\variants\\large\\LARGE.BIN");
+    {
+        SetupProcess setup("", variantPath("large"));
+        HWND frame = startCopy(setup);
+        ASSERT_TRUE(frame);
+        HWND page = pageWith(frame, 1016);
+        ASSERT_TRUE(page);
+        WIN32_FILE_ATTRIBUTE_DATA half = {};
+        for (int i = 0; i < 400 && half.nFileSizeLow == 0; ++i, Sleep(25))
+            GetFileAttributesExA(large.c_str(), GetFileExInfoStandard, &half);
+        setup.kill();
+        ASSERT_GT(half.nFileSizeLow, 0u) << "LARGE.BIN was never begun";
+    }
+    EXPECT_EQ(readFlag(), "1");
+    ASSERT_LT(readFile(large).size(), whole.size()) << "the copy was over before the kill";
+    expectNothingCountedDone();
+
+    {
+        SetupProcess setup("", variantPath("large"));
+        EXPECT_EQ(answerBox(setup, "Error").rfind("TavRin Installation has detected that a previous instance of "
+                                                  "the installation failed to complete.", 0), 0u);
+        HWND frame = startCopy(setup);
+        ASSERT_TRUE(frame);
+        HWND finish = pageWith(frame, 1018, nullptr, 60000);
+        ASSERT_TRUE(finish);
+        finishOpeningNothing(frame, finish);
+        EXPECT_EQ(setup.wait(), 0);
+    }
+    EXPECT_EQ(readFlag(), "0");
+    EXPECT_TRUE(readFile(large) == whole) << "LARGE.BIN is not whole";
+    for (const char* name : payload)
+        EXPECT_EQ(readFile(folder + "\\" + name), built(std::string("payload\\") + name)) << name;
+    EXPECT_EQ(registeredServer(classIds[0]), folder + "\\TAVRIN.DLL");
+    EXPECT_EQ(readValue(HKEY_LOCAL_MACHINE, uninstallKey, "DisplayName"), "TavRin Personal");
+    // The killed run's extraction folder stays, as nothing knows it is no one's.
+    EXPECT_TRUE(removeTree((tempFolder() + "tavrin").c_str()));
 }
 
 TEST_F(EngineFailure, CancelDuringTheCopyLeavesOnlyWholeFiles)

@@ -2,10 +2,12 @@
 
 #include <windows.h>
 
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 
+#include "Machine.h"
 #include "Screenshot.h"
 #include "UiDriver.h"
 
@@ -47,16 +49,15 @@ void deleteTree(const std::string& path)
     RemoveDirectoryA(path.c_str());
 }
 
-HKEY registryRoot(const std::string& name)
-{
-    if (name == "HKCR" || name == "HKEY_CLASSES_ROOT") return HKEY_CLASSES_ROOT;
-    if (name == "HKCU" || name == "HKEY_CURRENT_USER") return HKEY_CURRENT_USER;
-    if (name == "HKLM" || name == "HKEY_LOCAL_MACHINE") return HKEY_LOCAL_MACHINE;
-    if (name == "HKU" || name == "HKEY_USERS") return HKEY_USERS;
-    return nullptr;
-}
-
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+
+// A caption as part of a file name: letters and digits, the rest '-'.
+std::string fileNamePart(const std::string& text)
+{
+    std::string part;
+    for (char c : text) part += isalnum(static_cast<unsigned char>(c)) ? c : '-';
+    return part;
+}
 
 // The started SETUP.EXE; ended when the run fails or stops with it still there.
 class Program {
@@ -173,6 +174,7 @@ bool Runner::needFrame()
 
 bool Runner::shot(const std::string& name, std::string& path)
 {
+    Sleep(200);  // what has just come up is painted
     char number[16];
     snprintf(number, sizeof number, "%02d-", ++shots);
     path = options.shotsFolder + "\\" + number + name + ".bmp";
@@ -267,6 +269,10 @@ bool Runner::execute(const Step& step)
             return fail("no box " + quoted(args[0]) + " within 20 s");
         std::string message = uidriver::messageText(box);
         if (args.size() > 2 && message != args[2]) return fail("the box says " + quoted(message));
+        // Every box is pictured: a box is a page of its road too.
+        std::string path;
+        if (!options.shotsFolder.empty() && !shot("box-" + fileNamePart(args[0]), path))
+            return fail("cannot write " + path);
         uidriver::pressButton(box, buttonId(args[1]));
         return waitFor([&] { return !IsWindow(box) || !IsWindowVisible(box); }, settleWait) ||
                fail("the box is still there after " + args[1]);
@@ -295,13 +301,55 @@ bool Runner::execute(const Step& step)
         return !exists(path) || fail(path + " could not be removed");
     }
     if (verb == "reg-delete") {
-        size_t slash = args[0].find('\\');
-        HKEY root = registryRoot(args[0].substr(0, slash));
-        if (!root || slash == std::string::npos) return fail("no registry root in " + quoted(args[0]));
-        std::string key = args[0].substr(slash + 1);
+        HKEY root;
+        std::string key;
+        if (!machine::splitKey(args[0], root, key) || key.empty())
+            return fail("no registry root in " + quoted(args[0]));
         LONG result = RegDeleteTreeA(root, key.c_str());
         return result == ERROR_SUCCESS || result == ERROR_FILE_NOT_FOUND ||
                fail("cannot delete the key: error " + std::to_string(result));
+    }
+    if (verb == "reg-set" || verb == "expect-reg") {
+        HKEY root;
+        std::string key, value = expand(args[2]);
+        if (!machine::splitKey(args[0], root, key)) return fail("no registry root in " + quoted(args[0]));
+        if (verb == "reg-set") {
+            LONG result = machine::writeValue(root, key, args[1], value);
+            return result == ERROR_SUCCESS || fail("cannot write the value: error " + std::to_string(result));
+        }
+        // Other processes may still be on their way to it (an uninstall stage, say).
+        std::string seen;
+        for (DWORD start = GetTickCount(); (seen = machine::readValue(root, key, args[1])) != value &&
+                                           GetTickCount() - start < windowWait;)
+            Sleep(100);
+        return seen == value || fail("it reads " + quoted(seen));
+    }
+    if (verb == "expect-log" || verb == "expect-no-log") {
+        bool found = machine::logText().find("- " + expand(args[0]) + "\r\n") != std::string::npos;
+        return found == (verb == "expect-log") || fail(found ? "the log has that line" : "the log has no such line");
+    }
+    if (verb == "unique") {
+        std::string value = args[1] + std::to_string(GetCurrentProcessId()) + "x" + std::to_string(GetTickCount());
+        return SetEnvironmentVariableA(args[0].c_str(), value.c_str()) || fail("not set");
+    }
+    if (verb == "forget-account") return machine::forgetAccount() || fail("the passport is still there");
+    if (verb == "expect-cookie") {
+        std::string url = expand(args[0]), seen = machine::cookies(url);
+        return seen.find(expand(args[1])) != std::string::npos || fail("the cookies of " + url + ": " + quoted(seen));
+    }
+    if (verb == "service" || verb == "expect-service") {
+        if (machine::serviceUrl().empty()) return fail("TAVRIN_SERVICE_URL is not set");
+        // `service` posts the text as a form, `expect-service` looks for it in the answer.
+        std::string path = expand(args[0]), text = args.size() > 1 ? expand(args[1]) : "";
+        bool post = verb == "service" && args.size() > 1;
+        machine::Reply reply = machine::serviceCall(path, post ? &text : nullptr);
+        if (reply.status == 0) return fail("no answer from " + machine::serviceUrl());
+        if (verb == "service")
+            return (reply.status >= 200 && reply.status <= 299) ||
+                   fail("the service answers " + std::to_string(reply.status) + ": " + quoted(reply.body));
+        // Any status: a refusal's text (404 "no such account") can be what is expected.
+        return reply.body.find(text) != std::string::npos ||
+               fail("the service answers " + quoted(reply.body.substr(0, 2000)));
     }
 
     // The rest acts on or reads the wizard's windows.
@@ -349,6 +397,7 @@ bool Runner::execute(const Step& step)
                fail("the check box did not change");
     }
     if (verb == "type") {
+        text = expand(text);
         uidriver::setControlText(GetParent(control), id, text);
         return uidriver::windowText(control) == text ||
                fail("it reads " + quoted(uidriver::windowText(control)));
@@ -372,6 +421,7 @@ bool Runner::execute(const Step& step)
                fail(wanted ? "it is not checked" : "it is checked");
     }
     if (verb == "expect-text") {
+        text = expand(text);
         return waitFor([&] { return uidriver::windowText(control) == text; }, settleWait) ||
                fail("it reads " + quoted(uidriver::windowText(control)));
     }

@@ -5,7 +5,16 @@
 #include "ScenarioParser.h"
 
 // Runs a scenario against SETUP.EXE: starts it, acts on its windows as a user
-// does, and checks what the screen and the machine show.
+// does, and checks what the screen and the machine show. Besides the windows
+// and files, a scenario reaches (texts may name %VARIABLES% of the environment):
+//   reg-set <key> <name> <text>       expect-reg <key> <name> <text or (none)>
+//   expect-log <line>                 expect-no-log <line>    (TavRinInstall.log)
+//   service <path> [<form>]           expect-service <path> <text in the answer>
+//     (the TavRin service in test mode at TAVRIN_SERVICE_URL: GET, or POST of a form)
+//   forget-account                    expect-cookie <url> <text>
+//   unique <VARIABLE> <prefix>        a name no earlier run took, e.g. for an account
+// With a shots folder, `shot <name>` pictures the screen, and so does every `box`
+// step before it answers.
 namespace scenario {
 
 struct RunOptions {

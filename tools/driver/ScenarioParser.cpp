@@ -20,6 +20,9 @@ const Grammar grammar[] = {
     {"untick", "i"},          {"box", "wwt"},            {"expect-enabled", "i"}, {"expect-disabled", "i"},
     {"expect-checked", "i"},  {"expect-unchecked", "i"}, {"expect-text", "it"},   {"shot", "w"},
     {"expect-file", "T"},     {"expect-no-file", "T"},   {"delete-tree", "T"},    {"reg-delete", "T"},
+    {"reg-set", "wwT"},       {"expect-reg", "wwT"},     {"expect-log", "T"},     {"expect-no-log", "T"},
+    {"unique", "ww"},         {"forget-account", ""},    {"expect-cookie", "wT"}, {"service", "wt"},
+    {"expect-service", "wT"},
 };
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
