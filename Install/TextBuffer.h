@@ -22,4 +22,8 @@ private:
     char* data;
     size_t capacity;
     size_t length;
+    // The bytes really held, less the terminator's: at least `capacity`, and
+    // grown by doubling, so that a long reply read in many pieces is not
+    // copied anew with every piece.
+    size_t reserved;
 };

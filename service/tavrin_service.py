@@ -13,6 +13,7 @@ inject, the stored account, the requests it saw); see README.md beside this file
 import argparse
 import hashlib
 import html
+import itertools
 import json
 import os
 import re
@@ -588,13 +589,58 @@ class Fault:
         self.delay_ms = number("delay_ms", 0, 0, 600_000)
         self.reset = fields.get("reset", "") in ("1", "true", "yes")
         self.count = number("count", 1, 0, 1_000_000)  # 0: until cleared
-        if self.status is None and not self.reset and not self.delay_ms:
-            raise ValueError("a fault needs status, reset or delay_ms")
+        # The answer's own shape: bytes as they stand, a body many times over
+        # or without end, in slow pieces, or cut by a reset.
+        self.raw = fields["raw"].encode("latin-1") if "raw" in fields else None
+        self.repeat = number("repeat", 1, 0, 1_000_000)  # 0: without end
+        self.piece_bytes = number("piece_bytes", 0, 0, 1 << 20)
+        self.piece_ms = number("piece_ms", 0, 0, 10_000)
+        self.reset_after = number("reset_after", None, 0, 1 << 30)
+        if self.status is None and self.raw is None and not self.reset and not self.delay_ms:
+            raise ValueError("a fault needs status, raw, reset or delay_ms")
+        if self.repeat == 0 and not self.body:
+            raise ValueError("repeat=0 needs a body")
+        if self.shaped and self.status is None and self.raw is None:
+            raise ValueError("repeat, piece_bytes, piece_ms and reset_after need status or raw")
+
+    @property
+    def shaped(self):
+        """True when the answer goes out through Handler._send_shaped."""
+        return (self.raw is not None or self.repeat != 1 or self.piece_bytes or self.piece_ms
+                or self.reset_after is not None)
+
+    def answer_pieces(self):
+        """The bytes of the answer, in pieces of piece_bytes (64 KB without it)."""
+        if self.raw is not None:
+            parts = [self.raw]
+        else:
+            length = "" if self.repeat == 0 else \
+                "Content-Length: %d\r\n" % (len(self.body) * self.repeat)
+            head = ("HTTP/1.1 %d %s\r\nContent-Type: %s\r\n%sConnection: close\r\n\r\n"
+                    % (self.status, BaseHTTPRequestHandler.responses.get(self.status, ("Fault",))[0],
+                       self.content_type, length)).encode("latin-1")
+            # The body in runs of about 64 KB, so that a short one repeated is quick.
+            unit = max(1, 65536 // max(1, len(self.body)))
+            full, rest = divmod(self.repeat, unit)
+            runs = itertools.repeat(self.body * unit) if self.repeat == 0 else \
+                itertools.chain(itertools.repeat(self.body * unit, full), [self.body * rest])
+            parts = itertools.chain([head], runs)
+        step, pending = self.piece_bytes or 65536, b""
+        for part in parts:
+            pending += part
+            while len(pending) >= step:
+                yield pending[:step]
+                pending = pending[step:]
+        if pending:
+            yield pending
 
     def describe(self):
         return {"path": self.path, "method": self.method, "status": self.status,
                 "body": self.body.decode("latin-1"), "content_type": self.content_type,
-                "delay_ms": self.delay_ms, "reset": self.reset, "count": self.count}
+                "delay_ms": self.delay_ms, "reset": self.reset, "count": self.count,
+                "raw": None if self.raw is None else self.raw.decode("latin-1"),
+                "repeat": self.repeat, "piece_bytes": self.piece_bytes,
+                "piece_ms": self.piece_ms, "reset_after": self.reset_after}
 
 
 class Service:
@@ -675,6 +721,12 @@ class Handler(BaseHTTPRequestHandler):
 
     def version_string(self):
         return "TavRin/1.0"
+
+    def setup(self):
+        super().setup()
+        # Headers and body go out in two writes: without this the second waits
+        # for the client's delayed acknowledgement, some 40 ms a request.
+        self.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
 
     @property
     def service(self):
@@ -783,6 +835,10 @@ class Handler(BaseHTTPRequestHandler):
             seen["status"] = "reset"
             self._reset()
             return
+        if fault and fault.shaped:
+            seen["status"] = fault.status if fault.raw is None else "raw"
+            self._send_shaped(fault)
+            return
         if fault and fault.status is not None:
             reply = Reply(fault.status, fault.body, fault.content_type)
         elif control:
@@ -796,6 +852,27 @@ class Handler(BaseHTTPRequestHandler):
         if seen is not None:
             seen["status"] = reply.status
         self._send(reply)
+
+    def _send_shaped(self, fault):
+        """A fault's answer as its fields shape it; the connection ends behind it."""
+        self.close_connection = True
+        sent = 0
+        try:
+            for piece in fault.answer_pieces():
+                if fault.reset_after is not None and sent + len(piece) >= fault.reset_after:
+                    self.wfile.write(piece[:fault.reset_after - sent])
+                    self.wfile.flush()
+                    self._reset()
+                    return
+                self.wfile.write(piece)
+                self.wfile.flush()
+                sent += len(piece)
+                if fault.piece_ms:
+                    time.sleep(fault.piece_ms / 1000)
+        except OSError:  # the client went away, as it must from an answer without end
+            self._log("gone", sent)
+            return
+        self._log(fault.status or "raw", sent)
 
     def _reset(self):
         """Drops the connection without an answer, with a TCP reset."""

@@ -18,11 +18,20 @@ void addSeconds(SYSTEMTIME& time, long long seconds)
 {
     FILETIME file;
     if (!SystemTimeToFileTime(&time, &file)) return;
+    // A FILETIME counts 100 ns units from 1601 in 63 bits: a move that would
+    // leave that range, or overflow on the way, leaves the time as it was.
+    const long long unitsPerSecond = 10000000;
+    const long long limit = 0x7FFFFFFFFFFFFFFFLL;
+    if (seconds > limit / unitsPerSecond || seconds < -(limit / unitsPerSecond)) return;
+    const long long delta = seconds * unitsPerSecond;
     ULARGE_INTEGER units;
     units.LowPart = file.dwLowDateTime;
     units.HighPart = file.dwHighDateTime;
-    units.QuadPart += static_cast<ULONGLONG>(seconds * 10000000LL);
+    const long long now = static_cast<long long>(units.QuadPart);
+    if (now < 0 || (delta > 0 && now > limit - delta) || (delta < 0 && now + delta < 0)) return;
+    units.QuadPart = static_cast<ULONGLONG>(now + delta);
     file.dwLowDateTime = units.LowPart;
     file.dwHighDateTime = units.HighPart;
-    FileTimeToSystemTime(&file, &time);
+    SYSTEMTIME moved;
+    if (FileTimeToSystemTime(&file, &moved)) time = moved;
 }

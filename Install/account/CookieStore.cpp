@@ -59,15 +59,20 @@ const char* attributeValue(const char* piece, const char* name)
     return piece;
 }
 
-// Two attributes as our cookie texts write them, which Wine's store misreads:
-// an expiry written "expires = <date>", with blanks round its equals sign, is
-// not seen, so the cookie is kept for the process only and a stored one of the
-// same name is dropped; and a cookie with an empty "path=" is never found
-// again by a later process. So the blanks go, and the empty path, which means
-// the default path anyway, at the one place where a text enters the store.
+// What Wine's store misreads in the cookie texts it is handed:
+// - an expiry written "expires = <date>", with blanks round its equals sign, is
+//   not seen, so the cookie is kept for the process only and a stored one of
+//   the same name is dropped;
+// - a cookie with an empty "path=" is never found again by a later process;
+// - behind "expires=" it copies the whole rest of the text, not the date alone,
+//   into a buffer of 128 characters: a longer tail behind a short date runs
+//   over it and brings the process down.
+// So the blanks go, and the empty path, which means the default path anyway;
+// and the expiry goes last, only the last one given, which is the one that
+// counts. This is the one place where a text enters the store.
 std::string forWineStore(const char* text)
 {
-    std::string out;
+    std::string out, expiry;
     bool first = true;
     for (const char* piece = text; piece;) {
         const char* end = std::strchr(piece, ';');
@@ -76,13 +81,16 @@ std::string forWineStore(const char* text)
         if (!first) {
             const char* value = attributeValue(part.c_str(), "path");
             if (value && !*value) continue;  // an empty path
-            if ((value = attributeValue(part.c_str(), "expires")))
-                part = part.substr(0, part.find_first_not_of(" \t") + 7) + "=" + value;
+            if ((value = attributeValue(part.c_str(), "expires"))) {
+                expiry = part.substr(0, part.find_first_not_of(" \t") + 7) + "=" + value;
+                continue;
+            }
             out += ';';
         }
         out += part;
         first = false;
     }
+    if (!expiry.empty()) out += ";" + expiry;
     return out;
 }
 }  // namespace

@@ -71,6 +71,11 @@ struct CReplyRelease {
 };
 using CReplyHolder = std::unique_ptr<CInternetFile, CReplyRelease>;
 
+// The most of a reply's body that is read; the rest is left unread. A reply
+// is text for the user, shown in the error list, and no page of text a
+// person reads comes near this; the list shows this much in a moment.
+const DWORD replyLimit = 64 * 1024;
+
 DWORD WINAPI requestWorker(void* request);
 
 // Waits for `event` in 10 ms slices, dispatching window messages between them

@@ -21,18 +21,29 @@ void addHeader(HINTERNET request, const char* header)
                            HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE);
 }
 
-void readReply(HINTERNET request, CTextBuffer& body)
+// True when the reply was cut at the limit, its rest unread.
+bool readReply(HINTERNET request, CTextBuffer& body)
 {
     char piece[1024];
+    DWORD total = 0;
     for (;;) {
         std::memset(piece, 0, sizeof piece);
         DWORD got = 0;
         if (!InternetReadFile(request, piece, sizeof piece - 1, &got)) got = 0;
         if (got == 0) break;
+        // A reply is text for the user: what lies beyond the limit is not
+        // read, so that a reply without end cannot hold the wizard for ever.
+        if (got > replyLimit - total) got = replyLimit - total;
+        total += got;
         piece[got] = 0;
         // As text: a zero byte inside a piece ends what is kept of it.
         body.appendText(piece);
+        if (total == replyLimit) {
+            installLog.writef("Reply cut after %lu bytes", static_cast<unsigned long>(total));
+            return true;
+        }
     }
+    return false;
 }
 
 void noteResponseInfo(char* out, size_t capacity)
@@ -53,6 +64,7 @@ DWORD WINAPI requestWorker(void* argument)
     char proxyPassword[256] = "";
     int sends = 0;
     int resetRepeats = 0;
+    bool cut = false;
 
     request.lastError = 0;
     installLog.write("Connecting to host", true);
@@ -69,11 +81,15 @@ DWORD WINAPI requestWorker(void* argument)
             installLog.write("Sending request to host", true);
             handle.reset();
             if (request.lastError) break;
-            // The URL's extra info, a query string among it, is not sent.
+            // The URL's extra info, a query string among it, is not sent. The
+            // program sends its own Cookie header and stores a sign-up's
+            // cookies itself (through storeCookie, which mends their text for
+            // Wine's store): WinInet is told to leave a reply's Set-Cookie
+            // headers alone, as Wine's own handling of them breaks on some.
             handle.reset(HttpOpenRequestA(connection.handle, "POST", request.urlParts.lpszUrlPath,
                                           nullptr, nullptr, nullptr,
                                           INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE |
-                                              INTERNET_FLAG_KEEP_CONNECTION,
+                                              INTERNET_FLAG_KEEP_CONNECTION | INTERNET_FLAG_NO_COOKIES,
                                           0));
             if (!handle.handle) {
                 request.lastError = GetLastError();
@@ -149,7 +165,7 @@ DWORD WINAPI requestWorker(void* argument)
             }
         }
 
-        readReply(handle.handle, request.replyBody);
+        cut = readReply(handle.handle, request.replyBody);
         readRawHeaders(handle.handle, request.headers);
         installLog.write("Request Complete", true);
         break;
@@ -157,6 +173,16 @@ DWORD WINAPI requestWorker(void* argument)
 
     if (request.lastError == ERROR_INTERNET_EXTENDED_ERROR)
         noteResponseInfo(request.responseInfo, sizeof request.responseInfo);
+    if (cut) {
+        // Closing a request whose reply is unread to its announced length makes
+        // WinInet read all the rest first, gigabytes if the server says so: the
+        // caller has its reply and does not wait for that. The handles are this
+        // thread's own; the request is not touched again.
+        SetEvent(request.doneEvent);
+        handle.reset();
+        connection.reset();
+        return 0;
+    }
     handle.reset();
     connection.reset();
     SetEvent(request.doneEvent);

@@ -11,15 +11,6 @@ UINT CALLBACK cabinetCallback(PVOID context, UINT notification, UINT_PTR param1,
 {
     return static_cast<CCabinetFile*>(context)->onNotification(notification, param1);
 }
-// A member goes into the extraction folder and nowhere else: no drive, no
-// rooted path, no step up.
-bool isPlainMemberName(const char* name)
-{
-    if (!*name || name[0] == '\\' || name[0] == '/') return false;
-    for (const char* p = name; *p; ++p)
-        if (*p == ':' || (p[0] == '.' && p[1] == '.')) return false;
-    return true;
-}
 }  // namespace
 
 UINT CCabinetFile::onNotification(UINT notification, UINT_PTR param1)
@@ -35,6 +26,7 @@ UINT CCabinetFile::onNotification(UINT notification, UINT_PTR param1)
             return FILEOP_SKIP;
         }
         if (wantedName[0] && !equalsNoCase(wantedName, info->NameInCabinet)) return FILEOP_SKIP;
+        // A member goes into the extraction folder and nowhere else.
         if (!isPlainMemberName(info->NameInCabinet)) return FILEOP_SKIP;
         joinPath(targetFolder, info->NameInCabinet, info->FullTargetName,
                  sizeof info->FullTargetName);

@@ -59,6 +59,11 @@ int CInstallWizard::loadSettings()
     for (CInstallFile& file : settings.files) {
         if (cabinet.fileCount() == 0 || !inCabinet(cabinet, file.fileName))
             return corruptInstallation();
+        // Extraction writes no member outside the folder, nor one whose path
+        // there would be cut: the file the description names is not there.
+        if (!isPlainMemberName(file.fileName.c_str()) ||
+            joinedLength(sourceFolder, file.fileName.c_str()) >= MAX_PATH)
+            return corruptInstallation();
         if (!file.fixedDestination) file.destFolder = settings.destination;
         file.sourceFolder = sourceFolder;
         file.size = fileSizeOf(joinPath(sourceFolder, file.fileName.c_str(), path, sizeof path));

@@ -14,6 +14,13 @@ char* joinPath(const char* folder, const char* name, char* out, size_t capacity)
     return out;
 }
 
+size_t joinedLength(const char* folder, const char* name)
+{
+    size_t length = std::strlen(folder);
+    bool separator = length == 0 || folder[length - 1] != '\\';
+    return length + separator + (name ? std::strlen(name) : 0);
+}
+
 bool fileExists(const char* folder, const char* name)
 {
     char path[MAX_PATH];
@@ -22,6 +29,14 @@ bool fileExists(const char* folder, const char* name)
     else
         copyText(path, folder, sizeof path);
     return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool isPlainMemberName(const char* name)
+{
+    if (!*name || name[0] == '\\' || name[0] == '/') return false;
+    for (const char* p = name; *p; ++p)
+        if (*p == ':' || (p[0] == '.' && p[1] == '.')) return false;
+    return true;
 }
 
 bool folderExists(const char* path)

@@ -6,6 +6,8 @@
 
 // `folder`, a backslash unless it ends in one, then `name` (if not null).
 char* joinPath(const char* folder, const char* name, char* out, size_t capacity);
+// The length that joinPath gives the two when nothing is cut.
+size_t joinedLength(const char* folder, const char* name);
 // The join of the two exists (a folder counts); `folder` alone when `name` is null.
 bool fileExists(const char* folder, const char* name);
 // `path` names an existing folder. A trailing backslash finds nothing.
@@ -15,6 +17,10 @@ bool createFolderPath(const char* path);
 // Deletes `path` with all it holds, except names that begin with a point (and
 // so the folders that hold them). True if the folder itself went.
 bool removeTree(const char* path);
+// A name that stays inside any folder it is joined to: not empty, no drive, not
+// rooted, no step up (".." anywhere). Cabinet members and the files of the
+// setup description must be such names.
+bool isPlainMemberName(const char* name);
 // Size in bytes, 0 if the file cannot be opened.
 DWORD fileSizeOf(const char* path);
 // Removes white space from both ends, in place.

@@ -4,6 +4,7 @@
 
 #include "BoundedText.h"
 #include "DeploymentConfig.h"
+#include "InstallLog.h"
 #include "RegistryKey.h"
 #include "description/PathHelpers.h"
 #include "engine/ComponentRegistration.h"
@@ -132,6 +133,31 @@ void writeRestartScript(CInstallWizard* wizard, const std::string& restartScript
     key.writeString("TavRin", command);
 }
 
+namespace {
+// The full path without a trailing backslash (a root keeps its own), or empty.
+std::string fullFolderPath(const char* path, bool parentOfFile)
+{
+    char full[MAX_PATH];
+    char* name = nullptr;
+    DWORD length = GetFullPathNameA(path, sizeof full, full, &name);
+    if (length == 0 || length >= sizeof full) return "";
+    if (parentOfFile) {
+        if (!name || name == full) return "";
+        *name = 0;
+        length = static_cast<DWORD>(name - full);
+    }
+    if (length > 3 && full[length - 1] == '\\') full[length - 1] = 0;
+    return full;
+}
+}  // namespace
+
+bool isScriptFolder(const char* folder, const char* scriptPath)
+{
+    if (!folder || !folder[0] || !scriptPath) return false;
+    std::string own = fullFolderPath(folder, false);
+    return own.size() > 3 && equalsNoCase(own.c_str(), fullFolderPath(scriptPath, true).c_str());
+}
+
 std::vector<CRestartCommand> readRestartCommands(const char* text)
 {
     std::vector<CRestartCommand> commands;
@@ -173,6 +199,9 @@ bool runRestartScript(const char* scriptPath)
     }
     openWelcomePage();
     text.clear();
-    if (!sourceFolder.empty()) removeTree(sourceFolder.c_str());
+    if (isScriptFolder(sourceFolder.c_str(), scriptPath))
+        removeTree(sourceFolder.c_str());
+    else if (!sourceFolder.empty())
+        installLog.writef("Source folder %s does not hold the script; left in place", sourceFolder.c_str());
     return true;
 }

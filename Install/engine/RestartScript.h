@@ -30,6 +30,11 @@ void writeRestartScript(CInstallWizard* wizard, const std::string& restartScript
 // behind their source, are passed over. Every path is cut to 259 characters.
 std::vector<CRestartCommand> readRestartCommands(const char* text);
 
+// True when `folder` is the folder that holds `scriptPath`, both taken as full
+// paths, and no drive's root. Only then does the restart run remove the
+// Source= folder: a damaged line must not take another folder along.
+bool isScriptFolder(const char* folder, const char* scriptPath);
+
 // The restart run. False when a line failed: the failure box has been shown and
 // the caller must stop at once, leaving the script and its folder in place.
 // True otherwise, also when the script does not open (then nothing is done).

@@ -94,8 +94,35 @@ CInstallErrorListDialog::CInstallErrorListDialog(HWND parent, const std::string&
 
 INT_PTR CInstallErrorListDialog::onInitDialog()
 {
-    SetWindowTextA(GetDlgItem(hwnd, IDC_ERROR_LIST_TEXT), text.c_str());
+    SetWindowTextA(GetDlgItem(hwnd, IDC_ERROR_LIST_TEXT), withShortLines(text).c_str());
     return 1;
+}
+
+std::string withShortLines(const std::string& text)
+{
+    // The edit control lays out a line in time that grows with the square of
+    // its length: a server's text of one long line (or of lines ended by LF
+    // alone, which the control does not break) held the wizard for minutes.
+    const size_t longest = 256;
+    std::string out;
+    out.reserve(text.size() + text.size() / longest * 2);
+    size_t lineStart = 0;  // in `out`
+    for (char c : text) {
+        if (c != '\r' && c != '\n' && out.size() - lineStart == longest) {
+            // Behind the last blank of the line if it has one near, else here.
+            size_t cut = out.size();
+            for (size_t i = out.size(); i > lineStart + longest / 2; --i)
+                if (out[i - 1] == ' ') {
+                    cut = i;
+                    break;
+                }
+            out.insert(cut, "\r\n");
+            lineStart = cut + 2;
+        }
+        out += c;
+        if (c == '\n' && out.size() >= 2 && out[out.size() - 2] == '\r') lineStart = out.size();
+    }
+    return out;
 }
 
 INT_PTR CInstallErrorListDialog::onCommand(int id, int)

@@ -50,6 +50,10 @@ private:
     std::string text;
 };
 
+// `text` with a CR LF put into every line longer than 256 bytes, behind a
+// blank where one is near: what the error list shows.
+std::string withShortLines(const std::string& text);
+
 // The one road by which an error reaches the user: a log line, then a message
 // box, or the error list for text of unknown length. Empty text does nothing.
 void ERRORMSG(const char* text, bool useList);

@@ -4,10 +4,12 @@ import http.client
 import io
 import json
 import os
+import socket
 import sqlite3
 import sys
 import tempfile
 import threading
+import time
 import unittest
 from urllib.parse import quote
 
@@ -279,6 +281,49 @@ class LimitAndFaultTest(ServiceTest):
         self.assertEqual(self.request("GET", "/CustomerSupport")[0], 502)
         self.request("POST", "/__clear", b"")
         self.assertEqual(self.request("GET", "/CustomerSupport")[0], 200)
+
+    def raw_exchange(self, fault, path="/welcome"):
+        """The fault set, then every byte of the answer to a GET of `path`, and
+        whether the connection ended with a reset."""
+        self.request("POST", "/__fault", fault)
+        with socket.create_connection(("127.0.0.1", self.port), timeout=30) as connection:
+            connection.sendall(("GET %s HTTP/1.1\r\nHost: x\r\n\r\n" % path).encode())
+            data = b""
+            try:
+                while True:
+                    piece = connection.recv(65536)
+                    if not piece:
+                        return data, False
+                    data += piece
+                    if len(data) > 3_000_000:
+                        return data, False
+            except ConnectionResetError:
+                return data, True
+
+    def test_shaped_answers(self):
+        data, reset = self.raw_exchange(b"raw=HTTP/1.1+299+X%0d%0aSet-Cookie:%00%ff%0d%0a%0d%0abody")
+        self.assertEqual((data, reset), (b"HTTP/1.1 299 X\r\nSet-Cookie:\x00\xff\r\n\r\nbody", False))
+
+        data, reset = self.raw_exchange(b"status=500&body=ab%00&repeat=3000&piece_bytes=1000")
+        head, _, body = data.partition(b"\r\n\r\n")
+        self.assertIn(b"Content-Length: 9000\r\n", head)
+        self.assertEqual((body, reset), (b"ab\x00" * 3000, False))
+
+        data, reset = self.raw_exchange(b"status=200&body=xyz&reset_after=50")
+        self.assertEqual((len(data), reset), (50, True))
+
+        # Without end: the client's own limit stops it, and the service goes on.
+        data, reset = self.raw_exchange(b"status=200&body=%ff&repeat=0&piece_bytes=65536")
+        self.assertGreater(len(data), 3_000_000)
+        self.assertNotIn(b"Content-Length", data.partition(b"\r\n\r\n")[0])
+        started = time.monotonic()
+        data, _ = self.raw_exchange(b"status=201&body=s&repeat=4&piece_bytes=40&piece_ms=100")
+        self.assertTrue(data.endswith(b"\r\n\r\nssss"))
+        self.assertGreater(time.monotonic() - started, 0.3, "slow pieces")
+        self.assertEqual(self.request("GET", "/welcome")[0], 200)
+
+        for bad in (b"repeat=5", b"status=200&repeat=0", b"reset_after=1"):
+            self.assertEqual(self.request("POST", "/__fault", bad)[0], 400, bad)
 
     def test_requests_seen_byte_for_byte(self):
         body = b"passport=nope\r\n\\\xe9\xff\x00http://z/\r\n"
