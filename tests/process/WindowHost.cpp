@@ -33,12 +33,12 @@ int main(int argc, char** argv)
     if (argc < 2) return 2;
     record = argv[1];
     for (int i = 2; i < argc; ++i) {
-        std::string spec = argv[i];
-        bool hidden = spec.rfind("hidden:", 0) == 0;
-        if (hidden) spec.erase(0, 7);
-        size_t equals = spec.find('=');
+        std::string request = argv[i];
+        bool hidden = request.rfind("hidden:", 0) == 0;
+        if (hidden) request.erase(0, 7);
+        size_t equals = request.find('=');
         if (equals == std::string::npos) return 2;
-        std::string className = spec.substr(0, equals), title = spec.substr(equals + 1);
+        std::string className = request.substr(0, equals), title = request.substr(equals + 1);
         WNDCLASSA windowClass = {};
         windowClass.lpfnWndProc = windowProc;
         windowClass.hInstance = GetModuleHandleA(nullptr);
