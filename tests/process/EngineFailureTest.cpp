@@ -279,7 +279,7 @@ TEST_F(EngineFailure, UninstallRunsBothStagesOfTheScriptThroughAdvpack)
     // The first stage runs in a rundll32 of its own: it drops the uninstall
     // entry and leaves the second stage under RunOnce for the next start.
     std::string secondStage = "(none)";
-    for (int i = 0; i < 300 && secondStage == "(none)"; ++i) {
+    for (int i = 0; i < 600 && secondStage == "(none)"; ++i) {
         Sleep(100);
         if (readValue(HKEY_LOCAL_MACHINE, uninstallKey, "UninstallString") == "(none)")
             secondStage = readValue(HKEY_LOCAL_MACHINE, runOnceKey, "TavRinUninstall");
