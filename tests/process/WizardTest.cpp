@@ -1,5 +1,5 @@
 // The wizard on the screen, driven as a user drives it: the frame, the plain
-// pages, the folder checks, Cancel, and the frame's links.
+// pages, the folder dialog, and the frame's links.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -121,49 +121,6 @@ TEST_F(Wizard, WelcomeLeadsPastTheAgreementToTheFolderAndBack)
     pressButton(frame, 1001);
     ASSERT_EQ(waitForPage(frame, 1005), page) << "a page's window is made once and kept";
     EXPECT_EQ(controlText(page, 1005), "C:\\typed by the user");
-}
-
-TEST_F(Wizard, FolderMustBeAFullPathAndIsMadeOnlyWhenTheUserSaysYes)
-{
-    pressButton(frame, 1001);
-    ASSERT_TRUE(keepExistingAccount(frame));
-    HWND page = waitForPage(frame, 1005);
-    ASSERT_TRUE(page);
-    for (const char* bad : {"C:", "C:Temp", "\\\\server\\share\\TavRin", "TavRin"}) {
-        uidriver::setControlText(page, 1005, bad);
-        pressButton(frame, 1001);
-        EXPECT_EQ(answerBox(*setup, "Error"), std::string("The directory '") + bad + "' is invalid");
-        EXPECT_EQ(controlText(page, 1005), bad);
-    }
-
-    std::string folder = tempFolder() + "tv wizard " + std::to_string(GetTickCount()) + "\\inner";
-    uidriver::setControlText(page, 1005, folder);
-    pressButton(frame, 1001);
-    EXPECT_EQ(answerBox(*setup, "Create Folder", IDNO),
-              "The folder '" + folder + "' does not exist. Do you wish to create it?");
-    EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES);
-    EXPECT_TRUE(pageWith(frame, 1005)) << "No keeps the page";
-
-    uidriver::setControlText(page, 1005, "Q:\\no such drive");
-    pressButton(frame, 1001);
-    answerBox(*setup, "Create Folder", IDYES);
-    EXPECT_EQ(answerBox(*setup, "Error"),
-              "TavRin Installation was unable to create the folder. Please ensure you have sufficient "
-              "permissions");
-
-    uidriver::setControlText(page, 1005, folder);
-    pressButton(frame, 1001);
-    answerBox(*setup, "Create Folder", IDYES);
-    EXPECT_TRUE(waitForText(frame, "TavRin Personal Installation is almost complete!"));
-    EXPECT_NE(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES);
-}
-
-TEST_F(Wizard, CancelAsksAndNoKeepsTheWizard)
-{
-    pressButton(frame, IDCANCEL);
-    EXPECT_EQ(answerBox(*setup, "Abort Install", IDNO), "Are you sure you want to cancel this installation?");
-    EXPECT_EQ(setup->wait(300), -1) << "No must keep the wizard open";
-    EXPECT_TRUE(IsWindowVisible(frame));
 }
 
 TEST_F(Wizard, HelpAndTheSiteLinkOpenTheirAddresses)
