@@ -26,8 +26,10 @@ UINT CCabinetFile::onNotification(UINT notification, UINT_PTR param1)
             return FILEOP_SKIP;
         }
         if (wantedName[0] && !equalsNoCase(wantedName, info->NameInCabinet)) return FILEOP_SKIP;
-        // A member goes into the extraction folder and nowhere else.
+        // A member goes into the extraction folder and nowhere else: not up,
+        // not to a drive, and not under a cut name that would be another file.
         if (!isPlainMemberName(info->NameInCabinet)) return FILEOP_SKIP;
+        if (joinedLength(targetFolder, info->NameInCabinet) >= sizeof info->FullTargetName) return FILEOP_SKIP;
         joinPath(targetFolder, info->NameInCabinet, info->FullTargetName,
                  sizeof info->FullTargetName);
         return FILEOP_DOIT;

@@ -25,6 +25,7 @@ TEST(RestartScript, ReadsTheFourCommandsInOrder)
               "S|C:\\Temp\\TavRin Setup|\n"
               "C|C:\\Temp\\a.dll|C:\\Program Files\\TavRin\\a.dll\n"
               "R|C:\\Program Files\\TavRin\\a.dll|\n"
+              "R||\n"
               "C||target only\n"
               "C|x|y z\n",
               describe(readRestartCommands("Destination=C:\\Program Files\\TavRin\r\n"
@@ -34,6 +35,7 @@ TEST(RestartScript, ReadsTheFourCommandsInOrder)
                                            "rem nothing to do\r\n"
                                            "copy nospace\r\n"
                                            "copy\r\n"
+                                           "regsvr32\r\n"
                                            "COPY  target only\n\n\n"
                                            "copy x y z")));
 }
