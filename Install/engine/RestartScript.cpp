@@ -36,8 +36,9 @@ bool readCommand(const char* line, size_t length, CRestartCommand& command)
         command = {CRestartCommand::copy, cutPath(source, blank - source),
                    cutPath(blank + 1, line + length - blank - 1)};
     } else if (startsWithNoCase(line, "regsvr32")) {
-        if (length <= 9) return false;
-        command = {CRestartCommand::regsvr32, cutPath(line + 9, length - 9), ""};
+        // A line with no path behind the word still names a registration: an
+        // empty path, which fails and stops the run.
+        command = {CRestartCommand::regsvr32, length > 9 ? cutPath(line + 9, length - 9) : "", ""};
     } else {
         return false;
     }

@@ -75,8 +75,7 @@ bool expectedCommand(const std::string& line, std::string& out)
         if (blank == std::string::npos) return false;
         out = "C|" + cut(line.substr(5, blank - 5)) + "|" + cut(line.substr(blank + 1));
     } else if (lower.rfind("regsvr32", 0) == 0) {
-        if (line.size() <= 9) return false;  // no path at all
-        out = "R|" + cut(line.substr(9)) + "|";
+        out = "R|" + cut(line.size() > 9 ? line.substr(9) : "") + "|";  // no path: an empty one
     } else {
         return false;
     }
