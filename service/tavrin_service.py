@@ -588,6 +588,8 @@ class Fault:
         self.content_type = fields.get("content_type") or TEXT_TYPE
         self.delay_ms = number("delay_ms", 0, 0, 600_000)
         self.reset = fields.get("reset", "") in ("1", "true", "yes")
+        # With reset: the request is carried out first, and only its answer lost.
+        self.handled = fields.get("handled", "") in ("1", "true", "yes")
         self.count = number("count", 1, 0, 1_000_000)  # 0: until cleared
         # The answer's own shape: bytes as they stand, a body many times over
         # or without end, in slow pieces, or cut by a reset.
@@ -596,6 +598,8 @@ class Fault:
         self.piece_bytes = number("piece_bytes", 0, 0, 1 << 20)
         self.piece_ms = number("piece_ms", 0, 0, 10_000)
         self.reset_after = number("reset_after", None, 0, 1 << 30)
+        if self.handled and not self.reset:
+            raise ValueError("handled goes with reset")
         if self.status is None and self.raw is None and not self.reset and not self.delay_ms:
             raise ValueError("a fault needs status, raw, reset or delay_ms")
         if self.repeat == 0 and not self.body:
@@ -637,7 +641,8 @@ class Fault:
     def describe(self):
         return {"path": self.path, "method": self.method, "status": self.status,
                 "body": self.body.decode("latin-1"), "content_type": self.content_type,
-                "delay_ms": self.delay_ms, "reset": self.reset, "count": self.count,
+                "delay_ms": self.delay_ms, "reset": self.reset, "handled": self.handled,
+                "count": self.count,
                 "raw": None if self.raw is None else self.raw.decode("latin-1"),
                 "repeat": self.repeat, "piece_bytes": self.piece_bytes,
                 "piece_ms": self.piece_ms, "reset_after": self.reset_after}
@@ -832,6 +837,11 @@ class Handler(BaseHTTPRequestHandler):
         if fault and fault.delay_ms:
             time.sleep(fault.delay_ms / 1000)
         if fault and fault.reset:
+            if fault.handled and not control:
+                try:
+                    self._route_request(url, body)
+                except Exception as error:
+                    self.service.log("error on %s: %r" % (url.path, error))
             seen["status"] = "reset"
             self._reset()
             return

@@ -282,6 +282,13 @@ class LimitAndFaultTest(ServiceTest):
         self.request("POST", "/__clear", b"")
         self.assertEqual(self.request("GET", "/CustomerSupport")[0], 200)
 
+    def test_fault_handled_reset_keeps_what_was_done(self):
+        self.request("POST", "/__fault", ("path=%s&reset=1&handled=1" % ts.REGISTRATION_PATH).encode())
+        with self.assertRaises(ConnectionError):
+            self.register(form(Command="Add", UserCode="lostanswer"))
+        self.assertEqual(self.account("lostanswer")["user_name"], "lostanswer")
+        self.assertEqual(self.request("POST", "/__fault", b"handled=1&status=500")[0], 400)
+
     def raw_exchange(self, fault, path="/welcome"):
         """The fault set, then every byte of the answer to a GET of `path`, and
         whether the connection ended with a reset."""
