@@ -82,33 +82,35 @@ HCURSOR currentCursor()
     return info.hCursor;
 }
 
-// The cursor follows the mouse only once the window under it has answered
-// WM_SETCURSOR, which on a loaded machine takes a while: read until the
-// wanted answer comes (same or other than `than`) or three seconds pass.
-HCURSOR cursorAt(int x, int y, HCURSOR than, bool same)
-{
-    mouseInput(x, y, 0);
-    HCURSOR seen = nullptr;
-    for (int i = 0; i < 30; ++i) {
-        Sleep(100);
-        seen = currentCursor();
-        if ((seen == than) == same) break;
-    }
-    return seen;
-}
-
-// The cursor where the mouse rests: two readings in a row agree.
-HCURSOR steadyCursorAt(int x, int y)
+// The cursor once the mouse rests at (x, y): the same handle read three times
+// in a row. The window under the mouse sets it when it has taken the move in,
+// which on a loaded machine takes a while.
+HCURSOR restingCursor(int x, int y)
 {
     mouseInput(x, y, 0);
     HCURSOR last = nullptr;
-    for (int i = 0; i < 30; ++i) {
-        Sleep(150);
+    for (int i = 0, same = 0; i < 40 && same < 3; ++i) {
+        Sleep(100);
         HCURSOR seen = currentCursor();
-        if (seen == last) break;
+        same = seen == last ? same + 1 : 0;
         last = seen;
     }
     return last;
+}
+
+// The cursor while the mouse moves to and fro by a pixel at (x, y), as a
+// hand does, until it is (or, with `same` false, is not) `than`; at most 5 s.
+// The frame sets its cursor on each move, and the dialog's own handling of
+// WM_SETCURSOR may put the class arrow back in between.
+HCURSOR movingCursor(int x, int y, HCURSOR than, bool same)
+{
+    HCURSOR seen = nullptr;
+    for (int i = 0; i < 100; ++i) {
+        mouseInput(x + i % 2, y, 0);
+        Sleep(50);
+        if (((seen = currentCursor()) == than) == same) break;
+    }
+    return seen;
 }
 
 const COLORREF border = RGB(255, 0, 255), field = RGB(0, 128, 0);
@@ -139,12 +141,13 @@ TEST(PartnerCopy, LogoOnTheFrameOpensThePartnersLink)
     EXPECT_EQ(borderPixels, 32 * 24 - 28 * 20) << "and its border round it";
 
     int x = (logo.left + logo.right) / 2, y = (logo.top + logo.bottom) / 2;
-    // Cursor handles are the process's own: the frame's arrow is told apart by
-    // place.
-    HCURSOR beside = steadyCursorAt(logo.right + 40, y);
-    EXPECT_NE(cursorAt(x, y, beside, false), beside) << "the hand over the logo";
-    EXPECT_EQ(cursorAt(logo.right + 60, y, beside, true), beside)
-        << "the arrow again when the mouse leaves it";
+    // Cursor handles are the process's own, so the frame's arrow is told apart
+    // by place; the first reading after the mouse entered the frame may still
+    // be another process's.
+    restingCursor(logo.right + 40, y);
+    HCURSOR arrow = restingCursor(logo.right + 60, y);
+    EXPECT_NE(movingCursor(x, y, arrow, false), arrow) << "the hand over the logo";
+    EXPECT_EQ(movingCursor(logo.right + 60, y, arrow, true), arrow) << "the arrow again when the mouse leaves it";
 
     mouseInput(x, y, MOUSEEVENTF_LEFTDOWN);
     mouseInput(x, y, MOUSEEVENTF_LEFTUP);
