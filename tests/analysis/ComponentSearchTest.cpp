@@ -307,14 +307,7 @@ TEST(TroubleshootingRoad, ClosesTheBrowserSearchesTheDrivesAndInstalls)
         if (GetDlgItem(page, 1021)) searched = page;
     ASSERT_TRUE(searched) << "the search page never came up";
     EXPECT_EQ(uidriver::controlText(searched, 1020), "Searching for components...");
-    uidriver::pressButton(frame, 1001);
-    answerBox(setup, "Create Folder", IDYES);
-    ASSERT_TRUE(pageShowing(frame, 0, "TavRin Personal Installation is almost complete!"));
-    uidriver::pressButton(frame, 1001);
-    HWND finish = pageShowing(frame, 1018);
-    ASSERT_TRUE(finish) << "no finish page";
-    finishOpeningNothing(frame, finish);
-    EXPECT_EQ(setup.wait(), 0);
+    ASSERT_EQ(installFromFolderPage(setup, frame), "");
 
     EXPECT_TRUE(exists(installFolder + "\\TAVRIN.DLL"));
     // A found copy outside the destination is only looked at, never changed.

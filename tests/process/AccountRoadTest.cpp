@@ -101,15 +101,7 @@ protected:
                       "TavRin has detected that you already have an account.\nDo you wish to use the existing account?");
         }
 
-        ASSERT_TRUE(pageShowing(frame, 1005)) << "no folder page";
-        uidriver::pressButton(frame, 1001);
-        answerBox(setup, "Create Folder", IDYES);
-        ASSERT_TRUE(pageShowing(frame, 0, "TavRin Personal Installation is almost complete!"));
-        uidriver::pressButton(frame, 1001);
-        HWND finish = pageShowing(frame, 1018);
-        ASSERT_TRUE(finish) << "no finish page";
-        finishOpeningNothing(frame, finish);
-        EXPECT_EQ(setup.wait(), 0);
+        ASSERT_EQ(installFromFolderPage(setup, frame), "");
         EXPECT_TRUE(exists(installFolder + "\\TAVRIN.DLL"));
         EXPECT_NE(readLog().find("- Account Already Exists\r\n"), std::string::npos);
     }

@@ -313,6 +313,20 @@ void finishOpeningNothing(HWND frame, HWND finishPage)
     uidriver::pressButton(frame, IDCANCEL);
 }
 
+std::string installFromFolderPage(SetupProcess& setup, HWND frame)
+{
+    if (!pageShowing(frame, 1005)) return "no folder page";
+    uidriver::pressButton(frame, 1001);
+    answerBox(setup, "Create Folder", IDYES);
+    if (!pageShowing(frame, 0, "TavRin Personal Installation is almost complete!")) return "no ready page";
+    uidriver::pressButton(frame, 1001);
+    HWND finish = pageShowing(frame, 1018);
+    if (!finish) return "no finish page";
+    finishOpeningNothing(frame, finish);
+    int code = setup.wait();
+    return code == 0 ? "" : "exit code " + std::to_string(code);
+}
+
 bool runToEnd(std::string commandLine, DWORD timeoutMs)
 {
     STARTUPINFOA startup = {};

@@ -41,7 +41,6 @@ void writeFile(const std::string& path, const std::string& data);
 // The InstallInProcess flag under HKCU\SOFTWARE\Tavrin; "(none)" if missing.
 std::string readFlag();
 void writeFlag(const char* value);
-std::string readFile(const std::string& path);
 
 bool exists(const std::string& path);
 // Deletes everything below `folder` (names that begin with a point too), not the folder.
@@ -58,6 +57,10 @@ HWND pageShowing(HWND frame, int id, const char* text = nullptr, DWORD timeoutMs
 bool keepExistingAccount(HWND frame);
 // Unticks the finish page's two boxes, so that Finish opens nothing, and presses Finish.
 void finishOpeningNothing(HWND frame, HWND finishPage);
+// From the folder page on show: into its folder (made when the wizard asks),
+// past the ready page and the copy, to a Finish that opens nothing. Empty when
+// the run then ends with 0, else what went otherwise.
+std::string installFromFolderPage(SetupProcess& setup, HWND frame);
 // Runs a command line to its end, as Windows runs a RunOnce value; false if it
 // did not start or did not end in time.
 bool runToEnd(std::string commandLine, DWORD timeoutMs = 30000);
