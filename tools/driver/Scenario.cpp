@@ -293,8 +293,14 @@ bool Runner::execute(const Step& step)
         if (options.shotsFolder.empty()) return true;
         return shot(args[0], path) || fail("cannot write " + path);
     }
-    if (verb == "expect-file") return exists(expand(args[0])) || fail("no " + expand(args[0]));
-    if (verb == "expect-no-file") return !exists(expand(args[0])) || fail(expand(args[0]) + " is there");
+    if (verb == "expect-file" || verb == "expect-no-file") {
+        // While the program runs it may still be on its way: a box closed,
+        // the folder it asked about not yet made.
+        std::string path = expand(args[0]);
+        bool wanted = verb == "expect-file";
+        return waitFor([&] { return exists(path) == wanted; }, windowWait) ||
+               fail(wanted ? "no " + path : path + " is there");
+    }
     if (verb == "delete-tree") {
         std::string path = expand(args[0]);
         deleteTree(path);
@@ -325,8 +331,11 @@ bool Runner::execute(const Step& step)
         return seen == value || fail("it reads " + quoted(seen));
     }
     if (verb == "expect-log" || verb == "expect-no-log") {
-        bool found = machine::logText().find("- " + expand(args[0]) + "\r\n") != std::string::npos;
-        return found == (verb == "expect-log") || fail(found ? "the log has that line" : "the log has no such line");
+        const std::string line = "- " + expand(args[0]) + "\r\n";
+        bool wanted = verb == "expect-log", found = false;
+        return waitFor([&] { return (found = machine::logText().find(line) != std::string::npos) == wanted; },
+                       windowWait) ||
+               fail(found ? "the log has that line" : "the log has no such line");
     }
     if (verb == "unique") {
         std::string value = args[1] + std::to_string(GetCurrentProcessId()) + "x" + std::to_string(GetTickCount());
