@@ -259,6 +259,8 @@ TEST_F(AccountPages, FailuresSendTheUserBackAndCancelWaitsForTheWork)
         toTheWork(114);
         ASSERT_TRUE(on(116));
         EXPECT_TRUE(enabled(IDC_WIZARD_BACK));
+        // Until the work begins, Back still goes back: the press waits for it.
+        ASSERT_TRUE(eventually([&] { return status() == "Validating User Information..."; }));
         press(IDC_WIZARD_BACK);
         Sleep(500);
         EXPECT_EQ(wizard.pages[wizard.currentPage]->id, 116);
