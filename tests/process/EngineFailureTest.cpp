@@ -223,7 +223,10 @@ TEST_F(EngineFailure, CancelDuringTheCopyLeavesOnlyWholeFiles)
     ASSERT_TRUE(frame);
     HWND page = pageWith(frame, 1016);
     ASSERT_TRUE(page);
-    for (int i = 0; i < 400 && uidriver::controlText(page, 1016) != "LARGE.BIN"; ++i) Sleep(25);
+    // Cancel once LARGE.BIN is begun: its name in the status line comes a step earlier.
+    WIN32_FILE_ATTRIBUTE_DATA begun = {};
+    for (int i = 0; i < 400 && begun.nFileSizeLow == 0; ++i, Sleep(25))
+        GetFileAttributesExA(large.c_str(), GetFileExInfoStandard, &begun);
     uidriver::pressButton(frame, IDCANCEL);
     uidriver::WindowQuery question;
     question.caption = "Abort Install";

@@ -269,6 +269,10 @@ void removeInstallation()
     char windows[MAX_PATH];
     GetWindowsDirectoryA(windows, sizeof windows);
     DeleteFileA((std::string(windows) + "\\INF\\tvuninst.inf").c_str());
+    // What a run that was killed, or left with a box open by a failed test, kept.
+    const std::string extraction = tempFolder() + "tavrin";
+    emptyFolder(extraction);
+    RemoveDirectoryA(extraction.c_str());
     writeFlag("0");
 }
 
