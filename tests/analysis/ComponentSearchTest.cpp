@@ -291,7 +291,7 @@ TEST(TroubleshootingRoad, ClosesTheBrowserSearchesTheDrivesAndInstalls)
 
     HWND close = pageShowing(frame, 1014);
     ASSERT_TRUE(close) << "no close windows page";
-    for (int i = 0; i < 100 && SendDlgItemMessageA(close, 1014, LB_GETCOUNT, 0, 0) != 1; ++i) Sleep(20);
+    for (int i = 0; i < 250 && SendDlgItemMessageA(close, 1014, LB_GETCOUNT, 0, 0) != 1; ++i) Sleep(20);
     EXPECT_EQ(SendDlgItemMessageA(close, 1014, LB_GETCOUNT, 0, 0), 1) << "the browser window is listed";
     uidriver::pressButton(frame, 1001);
     EXPECT_TRUE(browser.ended(5000));

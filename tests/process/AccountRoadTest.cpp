@@ -94,7 +94,7 @@ protected:
         // The import: "I want a new account" ticks the box, and Yes to the
         // question keeps the known account with the box as it stands.
         if (import) PostMessageA(GetDlgItem(choice, 1030), BM_CLICK, 0, 0);
-        for (int i = 0; i < 100 && (IsDlgButtonChecked(choice, 1017) == BST_CHECKED) != import; ++i) Sleep(20);
+        for (int i = 0; i < 250 && (IsDlgButtonChecked(choice, 1017) == BST_CHECKED) != import; ++i) Sleep(20);
         uidriver::pressButton(frame, 1001);
         if (import) {
             EXPECT_EQ(answerBox(setup, "TavRin Account", IDYES),

@@ -273,7 +273,7 @@ TEST_F(EngineFailure, UninstallRunsBothStagesOfTheScriptThroughAdvpack)
         ASSERT_TRUE(page) << "no update page for an existing installation";
         EXPECT_EQ(IsDlgButtonChecked(page, 1025), BST_CHECKED);
         PostMessageA(GetDlgItem(page, 1024), BM_CLICK, 0, 0);
-        for (int i = 0; i < 100 && IsDlgButtonChecked(page, 1024) != BST_CHECKED; ++i) Sleep(20);
+        for (int i = 0; i < 250 && IsDlgButtonChecked(page, 1024) != BST_CHECKED; ++i) Sleep(20);
         ASSERT_EQ(IsDlgButtonChecked(page, 1024), BST_CHECKED);
         uidriver::pressButton(frame, 1001);
         EXPECT_EQ(setup.wait(), 0) << "Uninstall ends the wizard at once";

@@ -136,7 +136,7 @@ TEST_F(Install, FinishWithBothBoxesTickedOpensTheReadmeAndTheWelcomePage)
     expectInstalled();
     EXPECT_FALSE(readFile(folder + "\\readme.txt").empty()) << "Finish copies the readme";
     std::string opened;
-    for (int i = 0; i < 100 && opened.find("/welcome") == std::string::npos; ++i, Sleep(50)) opened = browser->seen();
+    for (int i = 0; i < 400 && opened.find("/welcome") == std::string::npos; ++i, Sleep(50)) opened = browser->seen();
     EXPECT_NE(opened.find(folder + "\\readme.txt"), std::string::npos) << "the readme opens: " << opened;
     EXPECT_NE(opened.find("http://www.tavrin.example/welcome"), std::string::npos) << opened;
 }

@@ -152,7 +152,7 @@ TEST(PartnerCopy, LogoOnTheFrameOpensThePartnersLink)
     mouseInput(x, y, MOUSEEVENTF_LEFTDOWN);
     mouseInput(x, y, MOUSEEVENTF_LEFTUP);
     std::string seen;
-    for (int i = 0; i < 100 && seen.empty(); ++i, Sleep(50)) seen = readFile(opened);
+    for (int i = 0; i < 400 && seen.empty(); ++i, Sleep(50)) seen = readFile(opened);
     EXPECT_NE(seen.find("http://www.partner.example/from-setup"), std::string::npos)
         << "a click on the logo opens the partner's link: " << seen;
 

@@ -44,7 +44,7 @@ HWND pageWith(HWND frame, int controlId)
 // Waits until the frame shows a page with this control (pages come up through posted messages).
 HWND waitForPage(HWND frame, int controlId)
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 400; ++i) {
         if (HWND page = pageWith(frame, controlId)) return page;
         Sleep(50);
     }
@@ -53,7 +53,7 @@ HWND waitForPage(HWND frame, int controlId)
 
 bool waitForText(HWND frame, const std::string& text)
 {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 400; ++i) {
         if (showsText(frame, text)) return true;
         Sleep(50);
     }
@@ -148,7 +148,7 @@ TEST_F(Wizard, HelpAndTheSiteLinkOpenTheirAddresses)
     PostMessageA(frame, WM_MOUSEMOVE, 0, MAKELPARAM(point.x, point.y));
     PostMessageA(frame, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(point.x, point.y));
     std::string seen;
-    for (int i = 0; i < 100 && (seen.find("example/\"") == std::string::npos ||
+    for (int i = 0; i < 400 && (seen.find("example/\"") == std::string::npos ||
                                 seen.find("CustomerSupport") == std::string::npos); ++i) {
         Sleep(50);
         seen = readFile(links);
