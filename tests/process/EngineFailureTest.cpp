@@ -74,6 +74,15 @@ void finishOnFailurePage(SetupProcess& setup, HWND frame)
     EXPECT_EQ(setup.wait(), 0);
 }
 
+// Waits up to 10 s for the copy to have written the first bytes of `path`.
+bool copyBegun(const std::string& path)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    for (int i = 0; i < 400 && data.nFileSizeLow == 0; ++i, Sleep(25))
+        GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data);
+    return data.nFileSizeLow > 0;
+}
+
 void expectNothingCountedDone()
 {
     EXPECT_EQ(readValue(HKEY_LOCAL_MACHINE, uninstallKey, "DisplayName"), "(none)");
@@ -182,13 +191,10 @@ TEST_F(EngineFailure, KilledPassIsToldOfAndMendedByTheNextRun)
         SetupProcess setup("", variantPath("large"));
         HWND frame = startCopy(setup);
         ASSERT_TRUE(frame);
-        HWND page = pageWith(frame, 1016);
-        ASSERT_TRUE(page);
-        WIN32_FILE_ATTRIBUTE_DATA half = {};
-        for (int i = 0; i < 400 && half.nFileSizeLow == 0; ++i, Sleep(25))
-            GetFileAttributesExA(large.c_str(), GetFileExInfoStandard, &half);
+        ASSERT_TRUE(pageWith(frame, 1016));
+        bool begun = copyBegun(large);
         setup.kill();
-        ASSERT_GT(half.nFileSizeLow, 0u) << "LARGE.BIN was never begun";
+        ASSERT_TRUE(begun) << "LARGE.BIN was never begun";
     }
     EXPECT_EQ(readFlag(), "1");
     ASSERT_LT(readFile(large).size(), whole.size()) << "the copy was over before the kill";
@@ -221,12 +227,9 @@ TEST_F(EngineFailure, CancelDuringTheCopyLeavesOnlyWholeFiles)
     SetupProcess setup("", variantPath("large"));
     HWND frame = startCopy(setup);
     ASSERT_TRUE(frame);
-    HWND page = pageWith(frame, 1016);
-    ASSERT_TRUE(page);
+    ASSERT_TRUE(pageWith(frame, 1016));
     // Cancel once LARGE.BIN is begun: its name in the status line comes a step earlier.
-    WIN32_FILE_ATTRIBUTE_DATA begun = {};
-    for (int i = 0; i < 400 && begun.nFileSizeLow == 0; ++i, Sleep(25))
-        GetFileAttributesExA(large.c_str(), GetFileExInfoStandard, &begun);
+    ASSERT_TRUE(copyBegun(large)) << "LARGE.BIN was never begun";
     uidriver::pressButton(frame, IDCANCEL);
     uidriver::WindowQuery question;
     question.caption = "Abort Install";
