@@ -40,21 +40,6 @@ TEST(RestartScript, ReadsTheFourCommandsInOrder)
                                            "copy x y z")));
 }
 
-TEST(RestartScript, AnyByteButALineEndStaysInItsLineAndPathsAreCut)
-{
-    std::string any;  // every byte but NUL, CR and LF, twice: longer than a path
-    for (int i = 0; i < 510; ++i)
-        if (i % 255 + 1 != '\r' && i % 255 + 1 != '\n') any += static_cast<char>(i % 255 + 1);
-    std::string text;
-    for (const char* start : {"Destination=", "copy ", "regsvr32 ", "SOURCE="}) text += start + any + "\r\n";
-    text += std::string(any.rbegin(), any.rend()) + "\n";  // from 0xFF down: no command
-    const std::string cut = any.substr(0, 259);
-    const size_t blank = any.find(' ');
-    EXPECT_EQ("D|" + cut + "|\nC|" + any.substr(0, blank) + "|" + any.substr(blank + 1, 259) + "\nR|" + cut +
-                  "|\nS|" + cut + "|\n",
-              describe(readRestartCommands(text.c_str())));
-}
-
 TEST(RestartScriptWriter, WritesWhatTheReaderReads)
 {
     const std::string source = tempFolder("TavRin Setup");  // a blank, as a user name may put one there
