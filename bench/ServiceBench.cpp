@@ -20,7 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <thread>
+#include "TestThread.h"
 #include <vector>
 
 #include "BenchClock.h"
@@ -180,7 +180,7 @@ private:
     }
 
     std::atomic<bool> stopping{false};
-    std::thread thread;
+    CTestThread thread;
 };
 
 std::string readPassport(const std::string& url)

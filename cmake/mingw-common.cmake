@@ -1,11 +1,11 @@
-set(CMAKE_C_COMPILER   ${TOOL_PREFIX}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${TOOL_PREFIX}-g++-posix)
+set(CMAKE_C_COMPILER   ${TOOL_PREFIX}-gcc-win32)
+set(CMAKE_CXX_COMPILER ${TOOL_PREFIX}-g++-win32)
 set(CMAKE_RC_COMPILER  ${TOOL_PREFIX}-windres)
 set(CMAKE_FIND_ROOT_PATH /usr/${TOOL_PREFIX})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-# One file, no runtime DLL beside it: libgcc, libstdc++ and winpthread go in statically.
+# One file, no runtime DLL beside it: libgcc and libstdc++ go in statically.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 # Size: every function and datum in its own section, unused sections dropped by

@@ -6,8 +6,8 @@ set -euo pipefail
 
 need=()
 have() { command -v "$1" >/dev/null 2>&1; }
-have x86_64-w64-mingw32-g++-posix || need+=(g++-mingw-w64-x86-64-posix)
-have i686-w64-mingw32-g++-posix   || need+=(g++-mingw-w64-i686-posix)
+have x86_64-w64-mingw32-g++-win32 || need+=(g++-mingw-w64-x86-64-win32)
+have i686-w64-mingw32-g++-win32   || need+=(g++-mingw-w64-i686-win32)
 have x86_64-w64-mingw32-windres   || need+=(binutils-mingw-w64-x86-64)
 have i686-w64-mingw32-windres     || need+=(binutils-mingw-w64-i686)
 have wine                         || need+=(wine wine64)

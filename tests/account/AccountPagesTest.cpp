@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
-#include <thread>
+#include "TestThread.h"
 
 #include "TestSupport.h"
 #include "UiDriver.h"
@@ -112,7 +112,7 @@ protected:
     // the end is cancelled.
     void run(const std::function<void()>& userActions)
     {
-        std::thread thread([&] {
+        CTestThread thread([&] {
             HWND frame = nullptr;
             for (int i = 0; i < 200 && !(frame = wizard.hwnd); ++i) Sleep(25);
             if (frame) userActions();

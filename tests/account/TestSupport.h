@@ -3,7 +3,7 @@
 
 #include <atomic>
 #include <string>
-#include <thread>
+#include "TestThread.h"
 #include <utility>
 #include <vector>
 
@@ -39,7 +39,7 @@ public:
 private:
     std::atomic<bool> stopping{false};
     std::vector<std::string> seen;
-    std::thread thread;
+    CTestThread thread;
 };
 
 // This test program again, as a later process; its standard output.

@@ -2,7 +2,7 @@
 // on this thread, so a second thread of the test answers it.
 #include <gtest/gtest.h>
 
-#include <thread>
+#include "TestThread.h"
 #include <vector>
 
 #include "SetupProcess.h"
@@ -13,7 +13,7 @@ namespace {
 // Answers every box that comes up, until none has come for a second.
 struct BoxAnswerer {
     std::vector<std::string> texts;
-    std::thread thread;
+    CTestThread thread;
     BoxAnswerer()
         : thread([this] {
               uidriver::WindowQuery query;

@@ -20,7 +20,7 @@ TEST(Painting, DividerPanelFrameAndLinkUnderline)
 {
     CInstallWizard wizard(false);
     wizard.addPage(100, new CInstallPage(116));
-    std::thread user([&] {
+    CTestThread user([&] {
         for (int i = 0; i < 200 && !wizard.hwnd; ++i) Sleep(25);
         HWND frame = wizard.hwnd;
         ASSERT_TRUE(frame);

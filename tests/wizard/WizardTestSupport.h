@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include <functional>
-#include <thread>
+#include "TestThread.h"
 #include <vector>
 
 #include "UiDriver.h"
@@ -32,7 +32,7 @@ inline BOOL CALLBACK answerLeftBox(HWND window, LPARAM frame)
 // the end if the user left it open. The frame's result.
 inline INT_PTR runWizard(CInstallWizard& wizard, const std::function<void()>& user)
 {
-    std::thread thread([&] {
+    CTestThread thread([&] {
         HWND frame = nullptr;
         for (int i = 0; i < 200 && !(frame = wizard.hwnd); ++i) Sleep(25);
         if (frame) user();
