@@ -1,6 +1,7 @@
 #include "BoundedText.h"
 
 #include <cctype>
+#include <cstdio>
 #include <cstring>
 
 static int lower(char c) { return std::tolower(static_cast<unsigned char>(c)); }
@@ -49,4 +50,19 @@ bool equalsNoCase(const char* a, const char* b)
     for (; *a && *b; ++a, ++b)
         if (lower(*a) != lower(*b)) return false;
     return *a == *b;
+}
+
+void formatTextList(char* out, size_t capacity, const char* format, va_list args)
+{
+    if (!out || capacity == 0) return;
+    _vsnprintf(out, capacity, format, args);
+    out[capacity - 1] = 0;
+}
+
+void formatText(char* out, size_t capacity, const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    formatTextList(out, capacity, format, args);
+    va_end(args);
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdarg>
 #include <cstddef>
 
 // Every buffer of the program is filled by a truncating copy: a longer text is
@@ -17,3 +18,12 @@ bool startsWithNoCase(const char* text, const char* prefix);
 // True if `text` contains `needle` anywhere, ignoring case.
 bool containsNoCase(const char* text, const char* needle);
 bool equalsNoCase(const char* a, const char* b);
+
+// Formats into `out` as printf does, cut at the capacity and always terminated.
+// The runtime's own _vsnprintf does the work: it neither terminates nor says
+// how long a text that does not fit would have been, so the end is made here.
+// The formats are the runtime's (no floating point is ever formatted).
+void formatText(char* out, size_t capacity, const char* format, ...)
+    __attribute__((format(ms_printf, 3, 4)));
+void formatTextList(char* out, size_t capacity, const char* format, va_list args)
+    __attribute__((format(ms_printf, 3, 0)));

@@ -6,6 +6,7 @@
 #include "DeploymentConfig.h"
 #include "TextBuffer.h"
 #include "description/PathHelpers.h"
+#include "BoundedText.h"
 
 CInstallLog installLog;
 
@@ -44,7 +45,7 @@ void CInstallLog::open(const char* directory)
 
 void formatLogStamp(const SYSTEMTIME& t, char* out, size_t capacity)
 {
-    snprintf(out, capacity, "%02d-%02d-%04d %02d:%02d:%02d", t.wDay, t.wMonth, t.wYear, t.wHour,
+    formatText(out, capacity, "%02d-%02d-%04d %02d:%02d:%02d", t.wDay, t.wMonth, t.wYear, t.wHour,
              t.wMinute, t.wSecond);
 }
 
@@ -73,7 +74,7 @@ void CInstallLog::writef(const char* format, ...)
     char text[1024];
     va_list args;
     va_start(args, format);
-    vsnprintf(text, sizeof text, format, args);  // cuts at 1,023 characters
+    formatTextList(text, sizeof text, format, args);  // cuts at 1,023 characters
     va_end(args);
     write(text, true);
 }

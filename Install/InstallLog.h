@@ -1,5 +1,6 @@
 #pragma once
 #include <windows.h>
+#include "BoundedText.h"
 
 // The installation log, TavRinInstall.log in the Windows directory: the one
 // diagnostic output of the program. Each line goes to the file in one WriteFile
@@ -16,7 +17,7 @@ public:
     void open(const char* directory);
     void write(const char* text, bool stamped);
     // Formats into 1,024 characters (longer output is cut) and writes it stamped.
-    void writef(const char* format, ...) __attribute__((format(gnu_printf, 2, 3)));
+    void writef(const char* format, ...) __attribute__((format(ms_printf, 2, 3)));
     // The picture of the machine that opens every log.
     void writeSystemReport();
 

@@ -47,7 +47,7 @@ bool CFileVersionInfo::read(const char* path, char* text, size_t capacity)
         length < sizeof(VS_FIXEDFILEINFO))
         return false;
     char version[64];
-    snprintf(version, sizeof version, "%d.%d.%d.%d", HIWORD(fixed->dwFileVersionMS),
+    formatText(version, sizeof version, "%d.%d.%d.%d", HIWORD(fixed->dwFileVersionMS),
              LOWORD(fixed->dwFileVersionMS), HIWORD(fixed->dwFileVersionLS),
              LOWORD(fixed->dwFileVersionLS));
     copyText(text, version, capacity);
@@ -95,7 +95,7 @@ void CInstallLog::writeSystemReport()
     if (!GetVersionExA(&os)) os = OSVERSIONINFOA{};
     writef("Windows OS: %s", platformName(os.dwPlatformId));
     char number[32];
-    snprintf(number, sizeof number, "%lu.%lu", static_cast<unsigned long>(os.dwMajorVersion),
+    formatText(number, sizeof number, "%lu.%lu", static_cast<unsigned long>(os.dwMajorVersion),
              static_cast<unsigned long>(os.dwMinorVersion));
     writef("Windows Version: %s", number);
     char servicePack[sizeof os.szCSDVersion + 1];

@@ -13,7 +13,7 @@
 # $<TARGET_FILE:tgt>. RAW_CABINET ships the bytes of <file> as the cabinet, as
 # they are: for cabinets gcab does not write (empty, damaged).
 #
-# The program is Install/WinMain.cpp linked with setupcore and the resources, a
+# The program is Install/WinMain.cpp (and Windows95Imports.cpp) linked with setupcore and the resources, a
 # Windows GUI program written to <dir>/<file name> (default: the top of the
 # build tree). It is made again when a member, or the raw cabinet, changes.
 
@@ -97,10 +97,12 @@ function(add_setup_program)
   get_filename_component(suffix "${arg_OUTPUT}" LAST_EXT)
   add_executable(${target} WIN32
     ${PROJECT_SOURCE_DIR}/Install/WinMain.cpp
+    ${PROJECT_SOURCE_DIR}/Install/Windows95Imports.cpp
     $<TARGET_OBJECTS:setupresources>
     ${rc}
     ${cabinet})
   target_link_libraries(${target} PRIVATE setupcore)
+  target_compile_options(${target} PRIVATE -fno-threadsafe-statics)
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME "${name}" SUFFIX "${suffix}"
     RUNTIME_OUTPUT_DIRECTORY ${arg_OUTPUT_DIRECTORY})

@@ -4,6 +4,7 @@
 
 #include "account/FormEncoding.h"
 #include "account/MachineIdentity.h"
+#include "BoundedText.h"
 
 namespace {
 const size_t valueLimit = 555;
@@ -22,7 +23,7 @@ void AccountDetails::addField(const char* name, const char* value)
 void AccountDetails::addNumber(const char* name, int value)
 {
     char text[16];
-    snprintf(text, sizeof text, "%d", value);
+    formatText(text, sizeof text, "%d", value);
     addField(name, text);
 }
 

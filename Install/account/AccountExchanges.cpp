@@ -85,7 +85,7 @@ bool AccountDetails::registerUser(HWND window, const char* url, const char* comm
 
     // Under the bare host: the path of the URL plays no part.
     char cookieUrl[260];
-    snprintf(cookieUrl, sizeof cookieUrl, "http://%s", reply->urlParts.lpszHostName);
+    formatText(cookieUrl, sizeof cookieUrl, "http://%s", reply->urlParts.lpszHostName);
     for (const std::string& cookie :
          signUpCookies(reply->headers.text(), reply->headers.size(), date)) {
         if (!storeCookie(cookieUrl, cookie.c_str())) showLastSystemError(window);

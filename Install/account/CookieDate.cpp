@@ -1,6 +1,7 @@
 #include "account/CookieDate.h"
 
 #include <cstdio>
+#include "BoundedText.h"
 
 void formatCookieDate(const SYSTEMTIME& time, char* out, size_t size)
 {
@@ -10,7 +11,7 @@ void formatCookieDate(const SYSTEMTIME& time, char* out, size_t size)
     if (!out || size == 0) return;
     const char* day = time.wDayOfWeek < 7 ? days[time.wDayOfWeek] : "";
     const char* month = time.wMonth >= 1 && time.wMonth <= 12 ? months[time.wMonth - 1] : "";
-    snprintf(out, size, "%s, %02d-%s-%04d %02d:%02d:%02d GMT", day, time.wDay, month, time.wYear,
+    formatText(out, size, "%s, %02d-%s-%04d %02d:%02d:%02d GMT", day, time.wDay, month, time.wYear,
              time.wHour, time.wMinute, time.wSecond);
 }
 

@@ -3,6 +3,7 @@
 #include <wininet.h>
 
 #include <cstdio>
+#include "BoundedText.h"
 
 namespace {
 const char* fixedText(DWORD code)
@@ -160,6 +161,6 @@ void internetErrorText(DWORD code, std::string& text, const char* responseInfo)
         }
     }
     char number[64];
-    snprintf(number, sizeof number, "An internal error has occured(%ld)", static_cast<long>(code));
+    formatText(number, sizeof number, "An internal error has occured(%ld)", static_cast<long>(code));
     text = number;
 }

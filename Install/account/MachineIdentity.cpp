@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include "BoundedText.h"
 
 CNetbiosLibrary::CNetbiosLibrary() : module(LoadLibraryA("netapi32.dll")), netbios(nullptr)
 {
@@ -23,14 +24,14 @@ std::string adapterForm(const ADAPTER_STATUS& status)
     if (std::memcmp(status.adapter_address, dummy, sizeof dummy) == 0) return "";
     const UCHAR* a = status.adapter_address;
     char text[32];
-    snprintf(text, sizeof text, "MA%02x%02x%02x%02x%02x%02x", a[0], a[1], a[2], a[3], a[4], a[5]);
+    formatText(text, sizeof text, "MA%02x%02x%02x%02x%02x%02x", a[0], a[1], a[2], a[3], a[4], a[5]);
     return text;
 }
 
 std::string volumeForm(DWORD serial)
 {
     char text[32];
-    snprintf(text, sizeof text, "VS%d", static_cast<int>(serial));
+    formatText(text, sizeof text, "VS%d", static_cast<int>(serial));
     return text;
 }
 

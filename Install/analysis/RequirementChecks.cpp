@@ -42,11 +42,11 @@ int checkRegistryEntry(HWND owner, CInstallWizard* wizard, const CRegistryCheck&
     if (equalsNoCase(check.comparison.c_str(), "VERGREATER")) {
         if (compareVersions(installed, bound) >= 0) return 1;
         loadString(IDS_VERSION_TOO_OLD, format, sizeof format);
-        snprintf(message, sizeof message, format, name, title, name, bound);
+        formatText(message, sizeof message, format, name, title, name, bound);
     } else if (equalsNoCase(check.comparison.c_str(), "VERLESSER")) {
         if (compareVersions(installed, bound) <= 0) return 1;
         loadString(IDS_VERSION_TOO_NEW, format, sizeof format);
-        snprintf(message, sizeof message, format, name, title, name, title, bound);
+        formatText(message, sizeof message, format, name, title, name, title, bound);
     } else {
         return 1;
     }

@@ -51,7 +51,7 @@ void applyDebugOverride(CInstallSettings& settings)
     }
     if (!replaced) return;
     char text[1024];
-    snprintf(text, sizeof text, "Registration Server: %s\nImport Server: %s",
+    formatText(text, sizeof text, "Registration Server: %s\nImport Server: %s",
              settings.regoServer.c_str(), settings.importServer.c_str());
     MessageBoxA(GetActiveWindow(), text, "Server Override", MB_OK);
 }

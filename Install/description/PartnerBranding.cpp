@@ -45,7 +45,7 @@ std::vector<std::string> tokens(const std::string& text, const char* separators)
 void partnerCookieText(const int numbers[4], const char* date, char* out, size_t size)
 {
     if (!out || size == 0) return;
-    snprintf(out, size, "%sPartner*%d*%d*%d*%d; expires = %s; path=", cookiePrefix, numbers[0], numbers[1],
+    formatText(out, size, "%sPartner*%d*%d*%d*%d; expires = %s; path=", cookiePrefix, numbers[0], numbers[1],
              numbers[2], numbers[3], date ? date : "");
 }
 

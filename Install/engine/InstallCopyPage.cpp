@@ -182,7 +182,7 @@ CInstallCopyPage::FileOutcome CInstallCopyPage::processFile(CInstallWizard* owne
     }
     if (copied == copyCancelled) return passCancelled;
     char text[1024];
-    snprintf(text, sizeof text,
+    formatText(text, sizeof text,
              "Error creating file '%s'.  Please check you have enough disk space and permission to "
              "modify this directory.",
              target);

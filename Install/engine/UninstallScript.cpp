@@ -4,6 +4,7 @@
 
 #include "description/PathHelpers.h"
 #include "wizard/InstallWizard.h"
+#include "BoundedText.h"
 
 namespace {
 void addLine(std::string& script, const std::string& line)
@@ -109,6 +110,6 @@ void buildUninstallScript(CInstallWizard* wizard, std::string& uninstallScript, 
 std::string uninstallCommandLine(const char* infPath)
 {
     char command[4096];
-    snprintf(command, sizeof command, "rundll32 advpack.dll,LaunchINFSection %s,TavRinUninstall", infPath);
+    formatText(command, sizeof command, "rundll32 advpack.dll,LaunchINFSection %s,TavRinUninstall", infPath);
     return command;
 }

@@ -92,14 +92,14 @@ int CInstallDestinationPage::onNext(CInstallWizard* owner)
     GetDlgItemTextA(hwnd, IDC_DESTINATION_FOLDER, path, sizeof path);
     char text[1024];
     if (!isFullDrivePath(path)) {
-        snprintf(text, sizeof text, "The directory '%s' is invalid", path);
+        formatText(text, sizeof text, "The directory '%s' is invalid", path);
         MessageBoxA(hwnd, text, "Error", MB_ICONINFORMATION);
         return 0;
     }
     if (!folderExists(path)) {
         char format[256];
         loadString(IDS_CREATE_FOLDER, format, sizeof format);
-        snprintf(text, sizeof text, format, path);
+        formatText(text, sizeof text, format, path);
         if (MessageBoxA(hwnd, text, "Create Folder", MB_YESNO | MB_ICONINFORMATION) == IDNO) return 0;
         if (!createFolderPath(path)) {
             ERRORMSG("TavRin Installation was unable to create the folder. Please ensure you have "
