@@ -9,6 +9,7 @@
 #include "InstallLog.h"
 #include "RegistryKey.h"
 #include "description/PathHelpers.h"
+#include "SystemLibraries.h"
 
 CFileVersionInfo::CFileVersionInfo()
     : module(nullptr), getFileVersionInfoSize(nullptr), getFileVersionInfo(nullptr),
@@ -29,7 +30,7 @@ template <typename T> static T entryPoint(HMODULE module, const char* name)
 bool CFileVersionInfo::read(const char* path, char* text, size_t capacity)
 {
     if (!module) {
-        module = LoadLibraryA("version.dll");
+        module = loadSystemLibrary("version.dll");
         if (!module) return false;
         getFileVersionInfoSize = entryPoint<SizeFunction>(module, "GetFileVersionInfoSizeA");
         getFileVersionInfo = entryPoint<InfoFunction>(module, "GetFileVersionInfoA");
@@ -124,7 +125,7 @@ void CInstallLog::writeSystemReport()
     writef("Wininet version: %s", wininet);
 
     DWORD flags = 0;
-    InternetGetConnectedState(&flags, 0);
+    systemDll::InternetGetConnectedState(&flags, 0);
     char connection[64];
     writef("Connection Type: %s", connectionTypeText(flags, connection, sizeof connection));
 

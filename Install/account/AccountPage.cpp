@@ -8,6 +8,7 @@
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
 #include "wizard/Painting.h"
+#include "SystemLibraries.h"
 
 namespace {
 const int tileWidth = 86, tileHeight = 20;
@@ -80,7 +81,7 @@ CInstallAccountPage::Outcome CInstallAccountPage::runAccountWork(CInstallWizard*
 {
     CInstallSettings& settings = owner->settings;
     // Only the second answer counts.
-    if (connectionMissing(*connection)) InternetAttemptConnect(0);
+    if (connectionMissing(*connection)) systemDll::InternetAttemptConnect(0);
     if (connectionMissing(*connection)) {
         MessageBoxA(hwnd, "Could not connect to internet", "Error Registering", MB_OK | MB_ICONINFORMATION);
         return noConnection;

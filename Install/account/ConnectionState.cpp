@@ -6,14 +6,15 @@
 
 #include "BoundedText.h"
 #include "DeploymentConfig.h"
+#include "SystemLibraries.h"
 
 namespace {
-BOOL systemConnectedState(DWORD* flags) { return InternetGetConnectedState(flags, 0); }
+BOOL systemConnectedState(DWORD* flags) { return systemDll::InternetGetConnectedState(flags, 0); }
 
 BOOL systemQueryState(DWORD* state)
 {
     DWORD size = sizeof *state;
-    return InternetQueryOptionA(nullptr, INTERNET_OPTION_CONNECTED_STATE, state, &size);
+    return systemDll::InternetQueryOptionA(nullptr, INTERNET_OPTION_CONNECTED_STATE, state, &size);
 }
 
 BOOL systemGoOnline()
@@ -23,10 +24,10 @@ BOOL systemGoOnline()
     copyText(root, TAVRIN_HOME_URL, sizeof root);
     size_t length = std::strlen(root);
     if (length > 7 && root[length - 1] == '/') root[length - 1] = 0;
-    return InternetGoOnlineA(root, GetActiveWindow(), 0);
+    return systemDll::InternetGoOnlineA(root, GetActiveWindow(), 0);
 }
 
-BOOL systemAutodial() { return InternetAutodial(INTERNET_AUTODIAL_FORCE_ONLINE, nullptr); }
+BOOL systemAutodial() { return systemDll::InternetAutodial(INTERNET_AUTODIAL_FORCE_ONLINE, nullptr); }
 
 const CConnectionCalls systemCalls = {systemConnectedState, systemQueryState, systemGoOnline,
                                       systemAutodial};

@@ -8,16 +8,17 @@
 #include <vector>
 
 #include "BoundedText.h"
+#include "SystemLibraries.h"
 
 bool readCookie(const char* url, const char* name, char* buffer, DWORD& size)
 {
     DWORD length = 0;
-    InternetGetCookieA(url, "", nullptr, &length);
+    systemDll::InternetGetCookieA(url, "", nullptr, &length);
     if (length == 0) return false;
     std::vector<char> text(length + 1, 0);
     if (buffer) std::memset(buffer, 0, size);
     DWORD capacity = length;
-    InternetGetCookieA(url, "", text.data(), &capacity);
+    systemDll::InternetGetCookieA(url, "", text.data(), &capacity);
     text[length] = 0;
 
     for (char* piece = text.data(); piece;) {
@@ -98,5 +99,5 @@ std::string forWineStore(const char* text)
 bool storeCookie(const char* url, const char* cookieText)
 {
     std::string text = forWineStore(cookieText ? cookieText : "");
-    return InternetSetCookieA(url, nullptr, text.c_str()) != FALSE;
+    return systemDll::InternetSetCookieA(url, nullptr, text.c_str()) != FALSE;
 }

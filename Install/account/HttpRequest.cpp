@@ -6,6 +6,7 @@
 #include "InstallLog.h"
 #include "account/InternetErrorText.h"
 #include "wizard/InstallDialog.h"
+#include "SystemLibraries.h"
 
 CEventHandle::~CEventHandle()
 {
@@ -54,7 +55,7 @@ int CInternetHttpRequest::send(const char* url, const char* body)
     urlParts.lpszExtraInfo = extraInfo;
     urlParts.dwExtraInfoLength = sizeof extraInfo;
     // A URL that does not crack leaves an empty host: the connect step fails.
-    InternetCrackUrlA(url ? url : "", url ? static_cast<DWORD>(std::strlen(url)) : 0, ICU_ESCAPE,
+    systemDll::InternetCrackUrlA(url ? url : "", url ? static_cast<DWORD>(std::strlen(url)) : 0, ICU_ESCAPE,
                       &urlParts);
 
     postData = body ? body : "";

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include "BoundedText.h"
+#include "SystemLibraries.h"
 
 namespace {
 const char* fixedText(DWORD code)
@@ -150,7 +151,7 @@ void internetErrorText(DWORD code, std::string& text, const char* responseInfo)
         if (!responseInfo) {
             DWORD number = 0;
             DWORD length = sizeof info;
-            if (!InternetGetLastResponseInfoA(&number, info, &length)) info[0] = 0;
+            if (!systemDll::InternetGetLastResponseInfoA(&number, info, &length)) info[0] = 0;
             info[sizeof info - 1] = 0;
             responseInfo = info;
         }

@@ -5,6 +5,7 @@
 #include "InstallLog.h"
 #include "account/HttpRequest.h"
 #include "engine/ComponentRegistration.h"
+#include "SystemLibraries.h"
 
 HINTERNET internetSession = nullptr;
 
@@ -23,7 +24,7 @@ CInternetHandle& CInternetHandle::operator=(CInternetHandle&& other) noexcept
 
 void CInternetHandle::reset(HINTERNET owned)
 {
-    if (handle) InternetCloseHandle(handle);
+    if (handle) systemDll::InternetCloseHandle(handle);
     handle = owned;
 }
 
@@ -31,7 +32,7 @@ CInternetSession::CInternetSession()
 {
     installLog.write("Opening Connection to Internet", true);
     // PRECONFIG: the user's proxy settings of the browser apply to us too.
-    handle = InternetOpenA("TavrinInstallation", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
+    handle = systemDll::InternetOpenA("TavrinInstallation", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
     internetSession = handle;
     if (!handle) {
         isOpen = 0;

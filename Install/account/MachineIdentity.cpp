@@ -1,10 +1,12 @@
 #include "account/MachineIdentity.h"
 
+#include "SystemLibraries.h"
+
 #include <cstdio>
 #include <cstring>
 #include "BoundedText.h"
 
-CNetbiosLibrary::CNetbiosLibrary() : module(LoadLibraryA("netapi32.dll")), netbios(nullptr)
+CNetbiosLibrary::CNetbiosLibrary() : module(loadSystemLibrary("netapi32.dll")), netbios(nullptr)
 {
     if (module)
         netbios = reinterpret_cast<NetbiosCall>(

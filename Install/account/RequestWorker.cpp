@@ -8,6 +8,7 @@
 #include "InstallLog.h"
 #include "account/HttpRequest.h"
 #include "account/InternetSession.h"
+#include "SystemLibraries.h"
 
 namespace {
 // A connection that keeps being reset after a good send would otherwise be
@@ -17,7 +18,7 @@ const int maxProxyDialogs = 3;
 
 void addHeader(HINTERNET request, const char* header)
 {
-    HttpAddRequestHeadersA(request, header, static_cast<DWORD>(-1),
+    systemDll::HttpAddRequestHeadersA(request, header, static_cast<DWORD>(-1),
                            HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE);
 }
 
@@ -29,7 +30,7 @@ bool readReply(HINTERNET request, CTextBuffer& body)
     for (;;) {
         std::memset(piece, 0, sizeof piece);
         DWORD got = 0;
-        if (!InternetReadFile(request, piece, sizeof piece - 1, &got)) got = 0;
+        if (!systemDll::InternetReadFile(request, piece, sizeof piece - 1, &got)) got = 0;
         if (got == 0) break;
         // A reply is text for the user: what lies beyond the limit is not
         // read, so that a reply without end cannot hold the wizard for ever.
@@ -50,7 +51,7 @@ void noteResponseInfo(char* out, size_t capacity)
 {
     DWORD code = 0;
     DWORD length = static_cast<DWORD>(capacity);
-    if (!InternetGetLastResponseInfoA(&code, out, &length)) out[0] = 0;
+    if (!systemDll::InternetGetLastResponseInfoA(&code, out, &length)) out[0] = 0;
     out[capacity - 1] = 0;
 }
 }  // namespace
@@ -68,7 +69,7 @@ DWORD WINAPI requestWorker(void* argument)
 
     request.lastError = 0;
     installLog.write("Connecting to host", true);
-    connection.reset(InternetConnectA(internetSession, request.urlParts.lpszHostName,
+    connection.reset(systemDll::InternetConnectA(internetSession, request.urlParts.lpszHostName,
                                       request.urlParts.nPort, "", "", INTERNET_SERVICE_HTTP, 0, 0));
     if (connection.handle)
         SetEvent(request.connectedEvent);
@@ -86,7 +87,7 @@ DWORD WINAPI requestWorker(void* argument)
             // cookies itself (through storeCookie, which mends their text for
             // Wine's store): WinInet is told to leave a reply's Set-Cookie
             // headers alone, as Wine's own handling of them breaks on some.
-            handle.reset(HttpOpenRequestA(connection.handle, "POST", request.urlParts.lpszUrlPath,
+            handle.reset(systemDll::HttpOpenRequestA(connection.handle, "POST", request.urlParts.lpszUrlPath,
                                           nullptr, nullptr, nullptr,
                                           INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE |
                                               INTERNET_FLAG_KEEP_CONNECTION | INTERNET_FLAG_NO_COOKIES,
@@ -97,9 +98,9 @@ DWORD WINAPI requestWorker(void* argument)
             }
             SetEvent(request.requestOpenEvent);
             if (proxyPassword[0]) {
-                InternetSetOptionA(handle.handle, INTERNET_OPTION_PROXY_USERNAME, proxyUser,
+                systemDll::InternetSetOptionA(handle.handle, INTERNET_OPTION_PROXY_USERNAME, proxyUser,
                                    static_cast<DWORD>(std::strlen(proxyUser)));
-                InternetSetOptionA(handle.handle, INTERNET_OPTION_PROXY_PASSWORD, proxyPassword,
+                systemDll::InternetSetOptionA(handle.handle, INTERNET_OPTION_PROXY_PASSWORD, proxyPassword,
                                    static_cast<DWORD>(std::strlen(proxyPassword)));
             }
             openRequest = false;
@@ -110,7 +111,7 @@ DWORD WINAPI requestWorker(void* argument)
         addHeader(handle.handle, "Content-Type: application/x-www-form-urlencoded\r\n");
         if (cookieHeader.size()) addHeader(handle.handle, cookieHeader.text());
 
-        if (!HttpSendRequestA(handle.handle, nullptr, 0, const_cast<char*>(request.postData.c_str()),
+        if (!systemDll::HttpSendRequestA(handle.handle, nullptr, 0, const_cast<char*>(request.postData.c_str()),
                               static_cast<DWORD>(request.postData.size()))) {
             DWORD error = GetLastError();
             // A kept-alive connection the server has dropped meanwhile. (Wine
@@ -129,7 +130,7 @@ DWORD WINAPI requestWorker(void* argument)
         ++sends;
         installLog.write("Receiving Data from Host", true);
         DWORD size = sizeof request.statusCode;
-        BOOL statusRead = HttpQueryInfoA(handle.handle, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER,
+        BOOL statusRead = systemDll::HttpQueryInfoA(handle.handle, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER,
                                          &request.statusCode, &size, nullptr);
         // A send that went through to a status of 0 had no answer: the server
         // dropped the connection after taking the request. Wine reports that so
@@ -145,7 +146,7 @@ DWORD WINAPI requestWorker(void* argument)
             sends <= maxProxyDialogs) {
             // The system's credentials dialog, over the desktop: it runs on this
             // thread, and the wizard stays live behind it.
-            DWORD answer = InternetErrorDlg(GetDesktopWindow(), handle.handle,
+            DWORD answer = systemDll::InternetErrorDlg(GetDesktopWindow(), handle.handle,
                                             ERROR_INTERNET_INCORRECT_PASSWORD,
                                             FLAGS_ERROR_UI_FILTER_FOR_ERRORS |
                                                 FLAGS_ERROR_UI_FLAGS_CHANGE_OPTIONS |
@@ -153,11 +154,11 @@ DWORD WINAPI requestWorker(void* argument)
                                             nullptr);
             if (answer == ERROR_INTERNET_FORCE_RETRY) {
                 DWORD length = 255;
-                if (!InternetQueryOptionA(handle.handle, INTERNET_OPTION_PROXY_USERNAME, proxyUser,
+                if (!systemDll::InternetQueryOptionA(handle.handle, INTERNET_OPTION_PROXY_USERNAME, proxyUser,
                                           &length))
                     proxyUser[0] = 0;
                 length = 255;
-                if (!InternetQueryOptionA(handle.handle, INTERNET_OPTION_PROXY_PASSWORD,
+                if (!systemDll::InternetQueryOptionA(handle.handle, INTERNET_OPTION_PROXY_PASSWORD,
                                           proxyPassword, &length))
                     proxyPassword[0] = 0;
                 proxyUser[sizeof proxyUser - 1] = proxyPassword[sizeof proxyPassword - 1] = 0;
@@ -192,11 +193,11 @@ DWORD WINAPI requestWorker(void* argument)
 void readRawHeaders(HINTERNET request, CTextBuffer& buffer)
 {
     DWORD size = 0;
-    HttpQueryInfoA(request, HTTP_QUERY_RAW_HEADERS, nullptr, &size, nullptr);
+    systemDll::HttpQueryInfoA(request, HTTP_QUERY_RAW_HEADERS, nullptr, &size, nullptr);
     if (size == 0) return;
     std::vector<char> raw(size + 1, 0);
     DWORD length = size;
-    if (!HttpQueryInfoA(request, HTTP_QUERY_RAW_HEADERS, raw.data(), &length, nullptr)) return;
+    if (!systemDll::HttpQueryInfoA(request, HTTP_QUERY_RAW_HEADERS, raw.data(), &length, nullptr)) return;
     buffer.append(raw.data(), raw.size());
 }
 
@@ -206,10 +207,10 @@ void buildCookieHeader(CTextBuffer& buffer, const char* host)
     copyText(url, "http://", sizeof url);
     appendText(url, host, sizeof url);
     DWORD size = 0;
-    if (!InternetGetCookieA(url, "", nullptr, &size) || size == 0) return;
+    if (!systemDll::InternetGetCookieA(url, "", nullptr, &size) || size == 0) return;
     std::vector<char> cookies(size + 1, 0);
     DWORD length = size;
-    if (!InternetGetCookieA(url, "", cookies.data(), &length)) return;
+    if (!systemDll::InternetGetCookieA(url, "", cookies.data(), &length)) return;
     buffer.appendText("Cookie: ");
     buffer.appendText(cookies.data());
     buffer.appendText("\r\n");

@@ -5,6 +5,7 @@
 #include "BoundedText.h"
 #include "InstallLog.h"
 #include "description/PathHelpers.h"
+#include "SystemLibraries.h"
 
 namespace {
 UINT CALLBACK cabinetCallback(PVOID context, UINT notification, UINT_PTR param1, UINT_PTR)
@@ -43,7 +44,7 @@ int CCabinetFile::listFiles(const char* path)
 {
     copyText(cabinetPath, path, sizeof cabinetPath);
     mode = listing;
-    BOOL listed = SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
+    BOOL listed = systemDll::SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
     mode = idle;
     return listed == TRUE;
 }
@@ -55,7 +56,7 @@ int CCabinetFile::extractFile(size_t index, const char* folder)
     installLog.writef("Expanding file %s", wantedName);
     mode = extracting;
     copyText(targetFolder, folder, sizeof targetFolder);
-    SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
+    systemDll::SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
     mode = idle;
     return 1;
 }

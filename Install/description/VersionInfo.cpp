@@ -8,15 +8,16 @@
 #include "BoundedText.h"
 #include "description/InstallSettings.h"
 #include "description/PathHelpers.h"
+#include "SystemLibraries.h"
 
 namespace {
 // The version resource of `path`, empty when it has none.
 std::vector<BYTE> versionBlock(const char* path)
 {
     DWORD handle = 0;
-    DWORD size = GetFileVersionInfoSizeA(path, &handle);
+    DWORD size = systemDll::GetFileVersionInfoSizeA(path, &handle);
     std::vector<BYTE> block(size);
-    if (size == 0 || !GetFileVersionInfoA(path, 0, size, block.data())) block.clear();
+    if (size == 0 || !systemDll::GetFileVersionInfoA(path, 0, size, block.data())) block.clear();
     return block;
 }
 
@@ -27,7 +28,7 @@ bool queryString(std::vector<BYTE>& block, const char* name, std::string& value)
     std::string query = std::string("\\StringFileInfo\\040904b0\\") + name;
     char* text = nullptr;
     UINT length = 0;
-    if (!VerQueryValueA(block.data(), query.c_str(), reinterpret_cast<void**>(&text), &length) || !text)
+    if (!systemDll::VerQueryValueA(block.data(), query.c_str(), reinterpret_cast<void**>(&text), &length) || !text)
         return false;
     const char* end = reinterpret_cast<const char*>(block.data() + block.size());
     if (text < reinterpret_cast<const char*>(block.data()) || text >= end) return false;

@@ -12,8 +12,9 @@
 #include "wizard/InstallPage.h"
 #include "engine/InstallCopyPage.h"
 #include "wizard/Painting.h"
+#include "SystemLibraries.h"
 
-CInstallWizard::CInstallWizard(bool quietRun) : quiet(quietRun) { InitCommonControls(); }
+CInstallWizard::CInstallWizard(bool quietRun) : quiet(quietRun) { systemDll::InitCommonControls(); }
 
 CInstallWizard::~CInstallWizard()
 {
