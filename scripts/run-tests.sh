@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs every test: the host-side tests (the TavRin service's and the stamping
-# tool's), then the Windows test programs under Wine (through ctest) against the
+# Runs every test: the host-side tests (the TavRin service's, the stamping
+# tool's and the import check of the shipping build), then the Windows test programs under Wine (through ctest) against the
 # TavRin service in test mode. Starts its own virtual display, wineserver and
 # service, and stops them at the end, also when a test fails.
 set -uo pipefail
@@ -34,6 +34,11 @@ echo "TavRin service tests"
 python3 -m unittest discover -s "$top/service/tests" || status=1
 echo "Partner stamping tool tests"
 python3 -m unittest discover -s "$top/tools/stamp" || status=1
+# The shipping build is not run here (no 32-bit Wine): its import table and
+# header are checked against what Windows 95 and NT 4 have.
+echo "Import check of the shipping build"
+python3 -m unittest discover -s "$top/tools/imports" || status=1
+python3 "$top/tools/imports/check_imports.py" "$top/build/i686/SETUP.EXE" || status=1
 
 wine_session_start || exit 1
 service_start || exit 1
