@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs every test: the host-side tests (the TavRin service's, the stamping
-# tool's and the import check of the shipping build), then the Windows test programs under Wine (through ctest) against the
-# TavRin service in test mode. Starts its own virtual display, wineserver and
+# tool's and the import check of the shipping build), then the Windows test
+# programs under Wine (through ctest) against the TavRin service in test mode. Starts its own virtual display, wineserver and
 # service, and stops them at the end, also when a test fails.
 set -uo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
