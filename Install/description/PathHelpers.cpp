@@ -126,6 +126,12 @@ std::string shortPathOf(const char* path)
     return shortPath;
 }
 
+std::string quotedProgram(const char* path)
+{
+    if (path[0] == '"' || !std::strchr(path, ' ')) return path;
+    return std::string("\"") + path + "\"";
+}
+
 std::string fileNameOf(const std::string& path)
 {
     size_t slash = path.find_last_of('\\');

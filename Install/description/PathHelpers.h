@@ -29,5 +29,10 @@ char* trimSpaces(char* text);
 #include <string>
 // GetShortPathNameA of `path`; empty when the path does not exist.
 std::string shortPathOf(const char* path);
+// `path` as the program of a command line that Windows starts as it stands
+// (WinExec, a RunOnce value): it finds the program by trying the text up to
+// each blank in turn, so "C:\Program Files\..." unquoted would start
+// "C:\Program.exe". In quotes when it holds a blank and has none of its own.
+std::string quotedProgram(const char* path);
 // What follows the last backslash of `path`; the whole text without one.
 std::string fileNameOf(const std::string& path);

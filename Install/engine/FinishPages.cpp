@@ -105,7 +105,7 @@ int CInstallFinishPage::onNext(CInstallWizard* owner)
             char command[MAX_PATH + 64] = "";
             char browser[MAX_PATH] = "";
             key.readString(nullptr, browser, sizeof browser);
-            copyText(command, browser, sizeof command);
+            copyText(command, quotedProgram(browser).c_str(), sizeof command);
             appendText(command, " " TAVRIN_WELCOME_URL, sizeof command);
             WinExec(command, SW_SHOW);
         } else {

@@ -229,7 +229,12 @@ void CInstallCopyPage::writeUninstallEntry(CInstallWizard* owner)
 {
     char windows[MAX_PATH] = "", infPath[MAX_PATH];
     GetWindowsDirectoryA(windows, sizeof windows);
-    joinPath(windows, "INF\\tvuninst.inf", infPath, sizeof infPath);
+    // The script's path goes on two command lines (the uninstall entry's and
+    // the second stage's RunOnce value) that name it unquoted: the short form
+    // of the folder, when the Windows folder's long form holds a blank.
+    joinPath(windows, "INF", infPath, sizeof infPath);
+    std::string infFolder = strchr(infPath, ' ') ? shortPathOf(infPath) : "";
+    joinPath(infFolder.empty() ? infPath : infFolder.c_str(), "tvuninst.inf", infPath, sizeof infPath);
     std::string script;
     buildUninstallScript(owner, script, infPath);
     HANDLE file = CreateFileA(infPath, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

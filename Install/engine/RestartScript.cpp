@@ -56,8 +56,10 @@ void openWelcomePage()
     CRegistryKey key(HKEY_LOCAL_MACHINE);
     if (key.open("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\IEXPLORE.EXE", false,
                  KEY_ALL_ACCESS)) {
-        char command[1024] = "";
-        key.readString(nullptr, command, sizeof command);
+        char browser[1024] = "";
+        key.readString(nullptr, browser, sizeof browser);
+        char command[1024];
+        copyText(command, quotedProgram(browser).c_str(), sizeof command);
         appendText(command, " ", sizeof command);
         appendText(command, TAVRIN_WELCOME_URL, sizeof command);
         WinExec(command, SW_SHOW);
@@ -127,15 +129,24 @@ void writeRestartScript(CInstallWizard* wizard, const std::string& restartScript
     char program[MAX_PATH];
     DWORD length = GetModuleFileNameA(nullptr, program, sizeof program);
     program[length < sizeof program ? length : sizeof program - 1] = 0;  // XP leaves a cut name open
+    // Started from "C:\Documents and Settings\...", the value as it stands
+    // would start no program, or one that takes "and" for its switch and runs
+    // a new install. The program's short form holds no blank; the script's
+    // short form keeps the value in its format (the script path is the rest of
+    // the line, blanks and all, where the volume keeps no short names).
+    // A volume without short names keeps the program's path in quotes.
+    std::string shortProgram = shortPathOf(program), shortScript = shortPathOf(scriptPath);
     char command[1024];
-    copyText(command, program, sizeof command);
+    copyText(command, quotedProgram(shortProgram.empty() ? program : shortProgram.c_str()).c_str(),
+             sizeof command);
     appendText(command, " -restart ", sizeof command);
-    appendText(command, scriptPath, sizeof command);
+    appendText(command, shortScript.empty() ? scriptPath : shortScript.c_str(), sizeof command);
     key.writeString("TavRin", command);
 }
 
 namespace {
-// The full path without a trailing backslash (a root keeps its own), or empty.
+// The full path without a trailing backslash (a root keeps its own), in its
+// short form where it exists, or empty.
 std::string fullFolderPath(const char* path, bool parentOfFile)
 {
     char full[MAX_PATH];
@@ -148,7 +159,10 @@ std::string fullFolderPath(const char* path, bool parentOfFile)
         length = static_cast<DWORD>(name - full);
     }
     if (length > 3 && full[length - 1] == '\\') full[length - 1] = 0;
-    return full;
+    // The RunOnce value names the script by its short form, the Source= line
+    // the folder by its long one: both are compared in their short forms.
+    std::string shortForm = shortPathOf(full);
+    return shortForm.empty() ? full : shortForm;
 }
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "SetupProcess.h"
+#include "description/PathHelpers.h"
 
 namespace {
 const std::string& folder = installFolder;
@@ -141,6 +142,8 @@ TEST_F(Install, FinishWithBothBoxesTickedOpensTheReadmeAndTheWelcomePage)
     EXPECT_NE(opened.find("http://www.tavrin.example/welcome"), std::string::npos) << opened;
 }
 
+// Started, as on Windows 2000, from a desktop and with a temporary folder whose
+// paths hold blanks.
 TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
 {
     ASSERT_TRUE(CreateDirectoryA(folder.c_str(), nullptr));
@@ -159,8 +162,13 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
     std::string target = folder + "\\tvprotocol.dll";
     HMODULE held = LoadLibraryA(target.c_str());
     ASSERT_TRUE(held);
+    const std::string profile = "C:\\Documents and Settings\\Ada Lovelace\\";
+    const std::string desktop = profile + "Desktop", temp = profile + "Local Settings\\Temp";
+    ASSERT_TRUE(createFolderPath(desktop.c_str()) && createFolderPath(temp.c_str()));
+    ASSERT_TRUE(CopyFileA(setupPath().c_str(), (desktop + "\\SETUP.EXE").c_str(), FALSE));
+    SetEnvironmentVariableA("TMP", temp.c_str());
     {
-        SetupProcess second("");
+        SetupProcess second("", desktop + "\\SETUP.EXE");
         HWND frame = second.window(wizardCaption, 20000);
         ASSERT_TRUE(frame);
         uidriver::pressButton(frame, 1001);
@@ -176,11 +184,14 @@ TEST_F(Install, FileInUseIsFinishedByTheRestartRunAtTheNextLogon)
         finishOpeningNothing(frame, finish);
         EXPECT_EQ(second.wait(), 0);
     }
+    SetEnvironmentVariableA("TMP", nullptr);
     FreeLibrary(held);
 
     std::string command = readValue(HKEY_CURRENT_USER, runOnceKey, "TavRin");
     size_t restart = command.find(" -restart ");
     ASSERT_NE(restart, std::string::npos) << command;
+    EXPECT_EQ(command.find(' '), restart) << "the program's path holds no blank: " << command;
+    EXPECT_EQ(command.find(' ', restart + 10), std::string::npos) << "nor the script's: " << command;
     std::string script = command.substr(restart + 10);
     std::string text = readFile(script);
     EXPECT_EQ(text.rfind("## TavRin Installation Reboot Script ##\r\n", 0), 0u) << text;

@@ -331,12 +331,33 @@ std::string installFromFolderPage(SetupProcess& setup, HWND frame)
     return code == 0 ? "" : "exit code " + std::to_string(code);
 }
 
+namespace {
+// The program Windows starts for an unquoted command line: the text up to each
+// blank in turn, with ".exe" when it has no extension, the first that is a file.
+std::string programOf(const std::string& commandLine)
+{
+    for (size_t end = commandLine.find(' ');; end = commandLine.find(' ', end + 1)) {
+        std::string candidate = commandLine.substr(0, end);
+        size_t name = candidate.find_last_of('\\') + 1;
+        if (candidate.find('.', name) == std::string::npos) candidate += ".exe";
+        DWORD attributes = GetFileAttributesA(candidate.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return candidate;
+        if (end == std::string::npos) return "";
+    }
+}
+}  // namespace
+
 bool runToEnd(std::string commandLine, DWORD timeoutMs)
 {
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION info = {};
-    if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
+    // Windows hands the line to the program unchanged. Wine's CreateProcessA
+    // puts the program it found in quotes, which would hide a line that Windows
+    // cuts: the program is found here, as Windows finds it, and named.
+    std::string program = commandLine[0] == '"' ? "" : programOf(commandLine);
+    if (!CreateProcessA(program.empty() ? nullptr : program.c_str(), &commandLine[0], nullptr, nullptr, FALSE, 0,
+                        nullptr, nullptr, &startup, &info))
         return false;
     bool ended = WaitForSingleObject(info.hProcess, timeoutMs) == WAIT_OBJECT_0;
     CloseHandle(info.hProcess);
