@@ -230,10 +230,21 @@ BrowserStandIn::BrowserStandIn(const std::string& file) : output(file)
         previous = old;
     DeleteFileA(output.c_str());
     SetEnvironmentVariableA("TAVRIN_RECORDER_OUT", output.c_str());
-    setBrowser(testFolder() + "recorder.exe");
+    // Where the browser is on Windows: in a folder with a blank. Started
+    // unquoted, it would be C:\Program.exe, which someone has left there and
+    // which records nothing (the add-on's tvdownload.exe, which ends at once).
+    const std::string folder = "C:\\Program Files\\Browser Stand-In";
+    CreateDirectoryA(folder.c_str(), nullptr);
+    CopyFileA((testFolder() + "recorder.exe").c_str(), (folder + "\\recorder.exe").c_str(), FALSE);
+    CopyFileA((testFolder() + "..\\..\\payload\\tvdownload.exe").c_str(), "C:\\Program.exe", FALSE);
+    setBrowser(folder + "\\recorder.exe");
 }
 
-BrowserStandIn::~BrowserStandIn() { setBrowser(previous); }
+BrowserStandIn::~BrowserStandIn()
+{
+    setBrowser(previous);
+    DeleteFileA("C:\\Program.exe");
+}
 
 bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
