@@ -82,15 +82,14 @@ DWORD WINAPI requestWorker(void* argument)
             installLog.write("Sending request to host", true);
             handle.reset();
             if (request.lastError) break;
-            // The URL's extra info, a query string among it, is not sent. The
-            // program sends its own Cookie header and stores a sign-up's
-            // cookies itself (through storeCookie, which mends their text for
-            // Wine's store): WinInet is told to leave a reply's Set-Cookie
-            // headers alone, as Wine's own handling of them breaks on some.
+            // The URL's extra info, a query string among it, is not sent.
+            // WinInet keeps the cookies of every reply, as a service may expect
+            // of a browser's library: a session that the check's reply opens
+            // goes along with the sign-up.
             handle.reset(systemDll::HttpOpenRequestA(connection.handle, "POST", request.urlParts.lpszUrlPath,
                                           nullptr, nullptr, nullptr,
                                           INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE |
-                                              INTERNET_FLAG_KEEP_CONNECTION | INTERNET_FLAG_NO_COOKIES,
+                                              INTERNET_FLAG_KEEP_CONNECTION,
                                           0));
             if (!handle.handle) {
                 request.lastError = GetLastError();
