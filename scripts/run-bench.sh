@@ -22,8 +22,8 @@ for arch in x64 i686; do
       'BEGIN { printf "%-28s %8s %10d %12d %14s %8.2f\n", "SETUP.EXE " a, "", o, r, "", o / r }'
   fi
 done
-echo "Why: the static C++ and threads runtime and the C99 printf, linked into the one file, and the"
-echo "code, dialogs and lists of 18 pages. The runtime's demangler is kept out; symbols are stripped."
+echo "Why: the static C++ runtime and its exception unwinder, linked into the one file, and the code,"
+echo "dialogs and lists of 18 pages. The runtime's demangler is kept out; symbols are stripped."
 
 echo
 echo "Start-up (median of 5 rounds, ms): ours = SETUP.EXE to its first page; reference = one-dialog program"
