@@ -132,6 +132,24 @@ std::string quotedProgram(const char* path)
     return std::string("\"") + path + "\"";
 }
 
+std::string commandFromSystemFolder(const char* commandLine)
+{
+    const char* blank = std::strchr(commandLine, ' ');
+    std::string program(commandLine, blank ? static_cast<size_t>(blank - commandLine) : std::strlen(commandLine));
+    if (program.empty() || program.find_first_of("\\/:\"") != std::string::npos) return commandLine;
+    char system[MAX_PATH] = "", windows[MAX_PATH] = "";
+    UINT systemLength = GetSystemDirectoryA(system, sizeof system);
+    UINT windowsLength = GetWindowsDirectoryA(windows, sizeof windows);
+    if (!systemLength || systemLength >= sizeof system || !windowsLength || windowsLength >= sizeof windows)
+        return commandLine;
+    const std::string folders = std::string(system) + ";" + windows;
+    char found[MAX_PATH];
+    char* name = nullptr;
+    DWORD length = SearchPathA(folders.c_str(), program.c_str(), ".exe", sizeof found, found, &name);
+    if (length == 0 || length >= sizeof found) return commandLine;
+    return quotedProgram(found) + (blank ? blank : "");
+}
+
 std::string fileNameOf(const std::string& path)
 {
     size_t slash = path.find_last_of('\\');

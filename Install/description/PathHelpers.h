@@ -34,5 +34,11 @@ std::string shortPathOf(const char* path);
 // each blank in turn, so "C:\Program Files\..." unquoted would start
 // "C:\Program.exe". In quotes when it holds a blank and has none of its own.
 std::string quotedProgram(const char* path);
+// `commandLine` with its program, when named bare ("rundll32 advpack.dll,..."),
+// as found in the system folder or else the Windows folder: started from
+// SETUP.EXE as it stands, Windows would look in SETUP.EXE's own folder first,
+// the download folder. A line whose program has a path, or is in neither
+// folder, as it is.
+std::string commandFromSystemFolder(const char* commandLine);
 // What follows the last backslash of `path`; the whole text without one.
 std::string fileNameOf(const std::string& path);

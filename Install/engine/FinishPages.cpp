@@ -46,7 +46,7 @@ int CInstallUpdatePage::nextPageId(CInstallWizard* owner)
     char command[4096];
     if (key.open("Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin", false, KEY_READ) &&
         key.readString("UninstallString", command, sizeof command)) {
-        WinExec(command, SW_SHOW);
+        WinExec(commandFromSystemFolder(command).c_str(), SW_SHOW);
         owner->copyReadmeOnFinish = 0;
         page = 111;
     }
