@@ -482,23 +482,21 @@ def registration(service, body, content_type, client):
 # ---------------------------------------------------------------------------
 # The import of favorites
 
-_URL_START = re.compile(rb"[A-Za-z][A-Za-z0-9+.-]*:")
+# The separator: a 0xFF behind which a URL scheme or the end of the line
+# follows. A scheme cannot run over a 0xFF, so the search reads a line of many
+# of them once.
+_SEPARATOR = re.compile(rb"\xff(?=[A-Za-z][A-Za-z0-9+.-]*:|\Z)")
 
 
 def split_shortcut(line):
     """Splits "path 0xFF URL". A path may itself hold the byte 0xFF (the letter
     y with diaeresis), so the separator is the first 0xFF behind which a URL
     scheme or nothing follows; failing that, the first 0xFF."""
-    first = line.find(b"\xff")
-    if first < 0:
+    found = _SEPARATOR.search(line)
+    at = found.start() if found else line.find(b"\xff")
+    if at < 0:
         return None
-    at = first
-    while at >= 0:
-        rest = line[at + 1:]
-        if not rest or _URL_START.match(rest):
-            return line[:at], rest
-        at = line.find(b"\xff", at + 1)
-    return line[:first], line[first + 1:]
+    return line[:at], line[at + 1:]
 
 
 def import_favorites(service, body, client):

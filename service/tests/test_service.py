@@ -89,6 +89,9 @@ class ServiceTest(unittest.TestCase):
         self.assertEqual(status, 200)
         return [value for name, value in headers if name == "Set-Cookie"]
 
+    def passport_line(self, user):
+        return self.sign_up(user)[0].split(";")[0].encode("ascii") + b"\r\n"
+
     def assertRefusal(self, reply, status, text):
         self.assertEqual(reply[0], status)
         body = reply[2].decode("cp1252")
@@ -198,9 +201,6 @@ class AccountTest(ServiceTest):
 
 
 class ImportTest(ServiceTest):
-    def passport_line(self, user):
-        return self.sign_up(user)[0].split(";")[0].encode("ascii") + b"\r\n"
-
     def test_import_with_odd_paths(self):
         body = (self.passport_line("fay")
                 + b"\\Links\\News\xffhttp://news.example/\r\n"
@@ -340,6 +340,25 @@ class LimitAndFaultTest(ServiceTest):
         self.assertEqual((seen[0]["path"], seen[0]["body"].encode("latin-1"), seen[0]["status"]),
                          (ts.IMPORT_PATH, body, 401))
         self.assertIn(["Content-Type", FORM_TYPE], seen[0]["headers"])
+
+
+class HostileClientTest(ServiceTest):
+    """Requests a hostile client makes cost what plain ones of their size do."""
+
+    def test_line_of_separators_costs_a_plain_line(self):
+        passport = self.passport_line("sep")
+
+        def cost(line):  # the quickest of three tries
+            times = []
+            for _ in range(3):
+                started = time.perf_counter()
+                self.assertEqual(self.import_(passport + line + b"\r\n")[0], 200)
+                times.append(time.perf_counter() - started)
+            return min(times)
+
+        size = 256 * 1024
+        plain = cost(b"\xe9" * size + b"\xffhttp://plain.example/")
+        self.assertLess(cost(b"\xff" * size), 4 * plain)
 
 
 class PlainModeTest(ServiceTest):
