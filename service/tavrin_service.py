@@ -11,6 +11,7 @@ inject, the stored account, the requests it saw); see README.md beside this file
 """
 
 import argparse
+import codecs
 import hashlib
 import html
 import itertools
@@ -79,10 +80,14 @@ for _byte in range(0x80, 0xA0):
     except UnicodeDecodeError:
         pass
 _ANSI_BACK = {ord(ch): byte for byte, ch in _ANSI_UPPER.items()}
+# The same mapping as a table of 256 characters, which decodes at the speed of
+# a code page of its own: a long name of accented letters costs what one of
+# plain letters does.
+_ANSI_TABLE = "".join(_ANSI_UPPER.get(byte, chr(byte)) for byte in range(256))
 
 
 def ansi_text(data):
-    return data.decode("latin-1").translate(_ANSI_UPPER)
+    return codecs.charmap_decode(data, "strict", _ANSI_TABLE)[0]
 
 
 def ansi_bytes(text):
