@@ -241,17 +241,18 @@ class Store:
                                    " ORDER BY rowid", (account_id,)).fetchall()
         return [row[0] for row in rows]
 
-    def store_import(self, account_id, shortcuts, client):
-        """Adds the shortcuts of one import; one already held is not doubled."""
+    def store_import(self, account_id, count, shortcuts, client):
+        """Adds the `count` shortcuts of one import, (path, URL) pairs taken one
+        at a time; one already held is not doubled."""
         with self.lock, self.db:
             import_id = self.db.execute(
                 "INSERT INTO imports (account_id, received, shortcuts, client)"
                 " VALUES (?, ?, ?, ?)",
-                (account_id, now_text(), len(shortcuts), client)).lastrowid
+                (account_id, now_text(), count, client)).lastrowid
             self.db.executemany(
                 "INSERT OR IGNORE INTO favorites (account_id, import_id, path, url)"
                 " VALUES (?, ?, ?, ?)",
-                [(account_id, import_id, path, url) for path, url in shortcuts])
+                ((account_id, import_id, path, url) for path, url in shortcuts))
 
     def favorites(self, account_id):
         with self.lock:
@@ -504,12 +505,51 @@ def split_shortcut(line):
     return line[:at], line[at + 1:]
 
 
+SHOWN_BAD_LINES = 20  # the refusal of an import names so many, then counts the rest
+
+
+def import_lines(body):
+    """The lines of an import body without their CR LF, each with whether it
+    had one: taken one at a time, so that no list of them is ever made."""
+    start, size = 0, len(body)
+    while start < size:
+        end = body.find(b"\r\n", start)
+        if end < 0:
+            yield body[start:], False
+            return
+        yield body[start:end], True
+        start = end + 2
+
+
+def line_fault(line, ended):
+    """What is wrong with a shortcut line, as a complaint with %d for its
+    number, or None."""
+    if not ended:
+        return "Line %d does not end with CR LF"
+    if not line:
+        return "Line %d is empty: expected a path, the byte 0xFF and a URL"
+    if b"\r" in line or b"\n" in line:
+        return "Line %d holds a lone CR or LF byte"
+    if b"\xff" not in line:
+        return "Line %d has no 0xFF byte between path and URL"
+    return None
+
+
+def shortcuts_of(body):
+    """(path, URL) of each line behind the passport line of a body whose lines
+    are all good."""
+    lines = import_lines(body)
+    next(lines)
+    for line, _ in lines:
+        path, url = split_shortcut(line)
+        yield ansi_text(path), ansi_text(url)
+
+
 def import_favorites(service, body, client):
     if not body:
         return complaint(401, ["The import carries no passport: sign up first"])
-    lines = body.split(b"\r\n")
-    unended = lines.pop()  # b"" when the body ends in CR LF
-    first = lines[0] if lines else unended
+    lines = import_lines(body)
+    first, ended = next(lines)
     if not first.startswith(b"passport="):
         return complaint(401, ["The import carries no passport: its first line must be"
                                " passport=<value>"])
@@ -517,26 +557,23 @@ def import_favorites(service, body, client):
     if account_id is None:
         return complaint(401, ["The passport of this import is unknown: sign up again"])
 
-    problems, shortcuts = [], []
-    for number, line in enumerate(lines[1:], 2):
-        if not line:
-            problems.append("Line %d is empty: expected a path, the byte 0xFF and a URL"
-                            % number)
-        elif b"\r" in line or b"\n" in line:
-            problems.append("Line %d holds a lone CR or LF byte" % number)
-        else:
-            parts = split_shortcut(line)
-            if parts is None:
-                problems.append("Line %d has no 0xFF byte between path and URL" % number)
-            else:
-                shortcuts.append((ansi_text(parts[0]), ansi_text(parts[1])))
-    if unended:
-        problems.append("Line %d does not end with CR LF" % (len(lines) + 1))
-    if problems:
-        if len(problems) > 20:
-            problems[20:] = ["... and %d more bad lines" % (len(problems) - 20)]
+    # All lines are checked before any is kept. Only the complaints that are
+    # shown are written; the rest are counted.
+    problems, bad, good = [], 0, 0
+    numbered = enumerate(lines, 2) if ended else [(1, (first, ended))]
+    for number, (line, ended) in numbered:
+        fault = line_fault(line, ended)
+        if fault is None:
+            good += 1
+            continue
+        bad += 1
+        if bad <= SHOWN_BAD_LINES:
+            problems.append(fault % number)
+    if bad:
+        if bad > SHOWN_BAD_LINES:
+            problems.append("... and %d more bad lines" % (bad - SHOWN_BAD_LINES))
         return complaint(400, problems)
-    service.store.store_import(account_id, shortcuts, client)
+    service.store.store_import(account_id, good, shortcuts_of(body), client)
     return Reply(200)
 
 

@@ -10,6 +10,7 @@ import sys
 import tempfile
 import threading
 import time
+import tracemalloc
 import unittest
 from urllib.parse import quote
 
@@ -359,6 +360,21 @@ class HostileClientTest(ServiceTest):
         size = 256 * 1024
         plain = cost(b"\xe9" * size + b"\xffhttp://plain.example/")
         self.assertLess(cost(b"\xff" * size), 4 * plain)
+
+    def test_body_of_bad_lines_costs_little_memory(self):
+        body = self.passport_line("mem") + b"\r\n" * (256 * 1024)
+        tracemalloc.start()
+        try:
+            reply = self.import_(body)
+            peak = tracemalloc.get_traced_memory()[1]
+        finally:
+            tracemalloc.stop()
+        # The body itself is held a few times over (sent, read, seen); a
+        # complaint or a list entry for each of its lines would be many times more.
+        self.assertLess(peak, 6 * len(body))
+        self.assertRefusal(reply, 400, "Line 21 is empty")
+        self.assertEqual(reply[2].count(b"\r\n"), 21)
+        self.assertIn(b"... and %d more bad lines" % (256 * 1024 - 20), reply[2])
 
 
 class PlainModeTest(ServiceTest):
