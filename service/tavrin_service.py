@@ -861,7 +861,8 @@ class Handler(BaseHTTPRequestHandler):
             self._log("-", 0)
             return
         seen = None
-        if not control:
+        if self.service.test_mode and not control:
+            # Only test mode can ask for them: without it no body is kept.
             seen = {"method": self.command, "path": url.path, "query": url.query,
                     "headers": [[name, value] for name, value in self.headers.items()],
                     "body": body.decode("latin-1") if isinstance(body, bytes) else None,
