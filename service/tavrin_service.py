@@ -577,35 +577,54 @@ def import_favorites(service, body, client):
     return Reply(200)
 
 
+# Windows paths hold no more folders than this; the folders of a deeper path
+# beyond it are shown as one, named by the rest of its path.
+FOLDER_DEPTH = 128
+
+
 def favorites_tree(favorites):
-    """Nested <ul> by folder: in each folder its shortcuts, then its folders."""
+    """Nested <ul> by folder: in each folder its shortcuts, then its folders.
+    Walked with a stack of its own, so that no depth of folders is too deep."""
     root = ({}, [])
     for path, url in favorites:
-        parts = path.split("\\")
-        if parts[0] == "" and len(parts) > 1:
-            parts = parts[1:]
+        if path.startswith("\\"):
+            path = path[1:]
+        parts = path.split("\\", FOLDER_DEPTH)
+        rest, slash, name = parts[-1].rpartition("\\")
+        folders = parts[:-1] + [rest] if slash else parts[:-1]
         node = root
-        for folder in parts[:-1]:
+        for folder in folders:
             node = node[0].setdefault(folder, ({}, []))
-        node[1].append((parts[-1], url))
+        node[1].append((name, url))
 
-    def render(node, depth):
+    out = []
+
+    def begin(node, depth):
+        """Writes the start of a folder's list; returns its folders to go."""
         pad = "  " * depth
-        out = [pad + "<ul>"]
+        out.append(pad + "<ul>")
         for name, url in node[1]:
             label = html.escape(name or "(no name)")
             if re.match(r"(?i)(https?|ftp)://", url):
                 out.append('%s  <li><a href="%s">%s</a></li>' % (pad, html.escape(url), label))
             else:
                 out.append("%s  <li>%s <code>%s</code></li>" % (pad, label, html.escape(url)))
-        for folder, child in node[0].items():
-            out.append('%s  <li class="folder">%s' % (pad, html.escape(folder or "(no name)")))
-            out.append(render(child, depth + 2))
-            out.append(pad + "  </li>")
-        out.append(pad + "</ul>")
-        return "\n".join(out)
+        return iter(node[0].items())
 
-    return render(root, 0)
+    stack = [(begin(root, 0), 0)]
+    while stack:
+        folders, depth = stack[-1]
+        pad = "  " * depth
+        for folder, child in folders:
+            out.append('%s  <li class="folder">%s' % (pad, html.escape(folder or "(no name)")))
+            stack.append((begin(child, depth + 2), depth + 2))
+            break
+        else:
+            stack.pop()
+            out.append(pad + "</ul>")
+            if stack:
+                out.append("  " * stack[-1][1] + "  </li>")
+    return "\n".join(out)
 
 
 # ---------------------------------------------------------------------------

@@ -222,6 +222,17 @@ class ImportTest(ServiceTest):
         self.assertIn('<li class="folder">d\n', page)
         self.assertIn('<a href="http://y.example/?a=1&amp;b=2">\u00ff</a>', page)
 
+    def test_favorites_page_of_deep_folders(self):
+        self.import_(self.passport_line("deep")
+                     + b"\\d" * 5000 + b"\\Bottom\xffhttp://deep.example/\r\n")
+        status, _, page = self.request("GET", "/favorites?user=deep")
+        self.assertEqual(status, 200)
+        self.assertIn(b'<a href="http://deep.example/">Bottom</a>', page)
+        # The folders beyond those a Windows path can hold make one, named by their path.
+        self.assertEqual(page.count(b"<ul>"), ts.FOLDER_DEPTH + 2)
+        self.assertIn(b'<li class="folder">' + b"\\".join([b"d"] * (5000 - ts.FOLDER_DEPTH))
+                      + b"\n", page)
+
     def test_passport_required(self):
         for body, text in ((b"", "carries no passport"),
                            (b"\\News\xffhttp://x.example/\r\n", "carries no passport"),
