@@ -185,6 +185,10 @@ class Store:
     One connection, used under a lock by all request threads."""
 
     def __init__(self, path):
+        # The file holds the password hashes: it is its owner's alone, made
+        # so, or made so if an earlier run left it open to others.
+        os.close(os.open(path, os.O_RDWR | os.O_CREAT, 0o600))
+        os.chmod(path, 0o600)
         self.db = sqlite3.connect(path, check_same_thread=False)
         self.db.row_factory = sqlite3.Row
         self.lock = threading.Lock()
@@ -870,7 +874,10 @@ class Handler(BaseHTTPRequestHandler):
         return body
 
     def _serve(self):
-        url = urlsplit(self.path)
+        try:
+            url = urlsplit(self.path)
+        except ValueError:  # a host in brackets left open, for one
+            return self.send_error(400, "The request target cannot be read")
         self._route = url.path
         control = self.service.test_mode and url.path.startswith("/__")
         limit = {REGISTRATION_PATH: FORM_LIMIT, IMPORT_PATH: IMPORT_LIMIT}.get(url.path,
@@ -911,11 +918,9 @@ class Handler(BaseHTTPRequestHandler):
             return
         if fault and fault.status is not None:
             reply = Reply(fault.status, fault.body, fault.content_type)
-        elif control:
-            reply = self._control(url, body)
         else:
             try:
-                reply = self._route_request(url, body)
+                reply = (self._control if control else self._route_request)(url, body)
             except Exception as error:  # a fault of the service itself
                 self.service.log("error on %s: %r" % (url.path, error))
                 reply = complaint(500, ["The TavRin service failed on this request"])
@@ -1027,7 +1032,7 @@ class Handler(BaseHTTPRequestHandler):
             return json_reply(report)
         if path == "/__requests" and method == "GET":
             last = query.get("last", "10")
-            if not last.isdigit():
+            if not re.fullmatch(r"[0-9]+", last):  # isdigit() takes "\u00b2" too
                 return Reply(400, "last must be a number\r\n")
             seen = list(self.service.requests)
             return json_reply(seen[-int(last):] if int(last) else [])

@@ -125,6 +125,13 @@ class AccountTest(ServiceTest):
         for name in os.listdir(self.folder.name):
             with open(os.path.join(self.folder.name, name), "rb") as data:
                 self.assertNotIn(b"s3cr&t", data.read())
+        # The file is its owner's alone, and one an earlier run left open becomes so.
+        self.assertEqual(os.stat(self.db).st_mode & 0o777, 0o600)
+        older = os.path.join(self.folder.name, "older.db")
+        os.close(os.open(older, os.O_CREAT | os.O_WRONLY, 0o644))
+        os.chmod(older, 0o644)
+        ts.Store(older).close()
+        self.assertEqual(os.stat(older).st_mode & 0o777, 0o600)
 
     def test_business_sign_up(self):
         business = dict(Command="AddTrial", CommandAction="AddTrial", UserCode="acme.co",
@@ -343,6 +350,13 @@ class LimitAndFaultTest(ServiceTest):
 
         for bad in (b"repeat=5", b"status=200&repeat=0", b"reset_after=1"):
             self.assertEqual(self.request("POST", "/__fault", bad)[0], 400, bad)
+
+    def test_unreadable_questions_refused(self):
+        for path in ("/__requests?last=%C2%B2", "/__requests?last=-1"):
+            self.assertEqual(self.request("GET", path)[0], 400, path)
+        with socket.create_connection(("127.0.0.1", self.port), timeout=30) as connection:
+            connection.sendall(b"GET http://[bad/welcome HTTP/1.1\r\nHost: x\r\n\r\n")
+            self.assertTrue(connection.recv(100).startswith(b"HTTP/1.1 400 "))
 
     def test_requests_seen_byte_for_byte(self):
         body = b"passport=nope\r\n\\\xe9\xff\x00http://z/\r\n"
