@@ -4,7 +4,8 @@ and sign-up of a new account), the bookmark import server, and the few plain
 pages the program opens in the browser. Listens on 127.0.0.1 only.
 
     python3 service/tavrin_service.py --port 0 --db /tmp/tavrin.db \
-        --port-file /tmp/tavrin.port [--test-mode] [--log FILE]
+        --port-file /tmp/tavrin.port [--test-mode] [--log FILE] \
+        [--deadline SECONDS] [--max-connections N]
 
 With --test-mode the service also takes orders from tests under /__ (faults to
 inject, the stored account, the requests it saw); see README.md beside this file.
@@ -14,6 +15,7 @@ import argparse
 import codecs
 import hashlib
 import html
+import io
 import itertools
 import json
 import os
@@ -39,6 +41,20 @@ IMPORT_PATH = "/servlet/bookmarks.servlet.install.ImportServlet"
 FORM_LIMIT = 64 * 1024           # the registration form
 IMPORT_LIMIT = 16 * 1024 * 1024  # one import of favorites
 OTHER_LIMIT = 64 * 1024          # any other request body
+
+# What one client can hold. A request must come whole, head and body, within
+# DEADLINE seconds of the connection's acceptance (its first request) or of the
+# answer before it (the next ones on a kept-alive connection); each write of an
+# answer has as long. At most MAX_CONNECTIONS connections are served at once;
+# up to BACKLOG more wait for a place, each until its deadline. For each one
+# waiting, an idle kept-alive connection gives way, or else the request that has
+# been coming longest, once it has taken YIELD_AFTER seconds (a quarter of the
+# deadline if that is less). The listening socket's backlog is BACKLOG too, for
+# a burst of clients arriving at once.
+DEADLINE = 60.0
+MAX_CONNECTIONS = 64
+BACKLOG = 256
+YIELD_AFTER = 2.0
 
 # The keys of the account form, in the order in which the setup program writes them.
 FORM_KEYS = (
@@ -783,18 +799,104 @@ def cookies_of(header):
     return found
 
 
+class Dropped(TimeoutError):
+    """The connection gave way to one waiting for a place."""
+
+
+class DeadlineReader(io.RawIOBase):
+    """The bytes a client sends, for a request that must come whole by
+    `deadline` (of time.monotonic()): each read waits only for the time left,
+    so a byte now and then does not stretch a request. `began` is when the
+    request now coming began, None while none is coming; `idle` tells a
+    kept-alive connection waiting for its next request. The server reads both
+    to choose which connection gives way, and ends its reading with drop()."""
+
+    def __init__(self, sock, seconds):
+        self.sock = sock
+        self.seconds = seconds
+        self.deadline = 0.0
+        self.began = None
+        self.idle = False
+        self.dropped = False
+
+    def readable(self):
+        return True
+
+    def start(self, began, idle=False):
+        self.began, self.idle, self.deadline = began, idle, began + self.seconds
+
+    def readinto(self, buffer):
+        left = self.deadline - time.monotonic()
+        try:
+            if left <= 0:
+                raise TimeoutError
+            self.sock.settimeout(left)
+            count = self.sock.recv_into(buffer)
+        except TimeoutError:
+            raise TimeoutError("the request did not come whole within %g s"
+                               % self.seconds) from None
+        finally:
+            self.sock.settimeout(self.seconds)  # for the writes of the answer
+        if not count and self.dropped:
+            raise Dropped("the connection gave way to one waiting for a place")
+        return count
+
+    def drop(self):
+        """Called by the server: the read waiting, and any after it, end at
+        once. What was read whole is still answered."""
+        self.dropped = True
+        try:
+            self.sock.shutdown(socket.SHUT_RD)
+        except OSError:  # closed already
+            pass
+
+
 class Handler(BaseHTTPRequestHandler):
     protocol_version = "HTTP/1.1"
-    timeout = 60  # an idle kept-alive connection is closed after this
+
+    def __init__(self, request, client_address, server, accepted=None):
+        self.accepted = time.monotonic() if accepted is None else accepted
+        self.requests_begun = 0
+        super().__init__(request, client_address, server)
 
     def version_string(self):
         return "TavRin/1.0"
 
     def setup(self):
+        self.timeout = self.server.deadline
         super().setup()
         # Headers and body go out in two writes: without this the second waits
         # for the client's delayed acknowledgement, some 40 ms a request.
         self.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.rfile.close()
+        self.reader = DeadlineReader(self.connection, self.server.deadline)
+        self.rfile = io.BufferedReader(self.reader)
+        self.server.enter(self.reader)
+
+    def finish(self):
+        self.server.leave(self.reader)
+        super().finish()
+
+    def handle_one_request(self):
+        """One request, which must come whole by its deadline, else the
+        connection is dropped without an answer."""
+        reader = self.reader
+        if self.requests_begun:
+            # Kept alive: the clock starts at the answer before.
+            reader.start(time.monotonic(), idle=True)
+            try:
+                begun = self.rfile.peek(1)
+            except OSError:  # out of time, gave way, or the client went away
+                begun = b""
+            if not begun:
+                self.close_connection = True
+                return
+            with self.server.places:
+                reader.began, reader.idle = time.monotonic(), False
+        else:
+            reader.start(self.accepted)
+        self.requests_begun += 1
+        super().handle_one_request()
 
     @property
     def service(self):
@@ -838,7 +940,7 @@ class Handler(BaseHTTPRequestHandler):
         if not left:
             return
         try:
-            self.connection.settimeout(5)
+            self.reader.deadline = time.monotonic() + 5
             while left > 0:
                 chunk = self.rfile.read1(min(left, 65536))
                 if not chunk:
@@ -883,6 +985,7 @@ class Handler(BaseHTTPRequestHandler):
         limit = {REGISTRATION_PATH: FORM_LIMIT, IMPORT_PATH: IMPORT_LIMIT}.get(url.path,
                                                                              OTHER_LIMIT)
         body = self._read_body(limit)
+        self.reader.began = None  # read: whatever else comes, it is answered
         if body is None:  # the client went away in the middle of its body
             self._log("-", 0)
             return
@@ -1040,15 +1143,100 @@ class Handler(BaseHTTPRequestHandler):
 
 
 class Server(ThreadingHTTPServer):
+    """Serves each connection on a thread of its own, at most max_connections
+    at once; the ones over wait, without a thread, for a place."""
     daemon_threads = True
+    request_queue_size = BACKLOG
 
-    def __init__(self, port, service):
+    def __init__(self, port, service, deadline=DEADLINE, max_connections=MAX_CONNECTIONS):
         self.service = service
+        self.deadline = deadline
+        self.max_connections = max_connections
+        self.places = threading.Lock()
+        self.serving = 0
+        self.waiting = deque()  # (socket, address, time accepted), oldest first
+        self.readers = set()  # those of the connections served
         super().__init__(("127.0.0.1", port), Handler)
 
+    def process_request(self, request, client_address):
+        accepted = time.monotonic()
+        with self.places:
+            if self.serving >= self.max_connections:
+                if len(self.waiting) < BACKLOG:
+                    self.waiting.append((request, client_address, accepted))
+                    self._make_room()
+                else:
+                    self._drop(request, client_address, "too many connections wait")
+                return
+            self.serving += 1
+        threading.Thread(target=self._serve_connections, daemon=True,
+                         args=(request, client_address, accepted)).start()
 
-def make_server(db_path, port=0, test_mode=False, log=None):
-    return Server(port, Service(Store(db_path), test_mode, log))
+    def _serve_connections(self, request, client_address, accepted):
+        """Serves a connection, then in its place the ones waiting, oldest first."""
+        while True:
+            try:
+                self.RequestHandlerClass(request, client_address, self, accepted)
+            except Exception:
+                self.handle_error(request, client_address)
+            finally:
+                self.shutdown_request(request)
+            with self.places:
+                self._drop_late()
+                if not self.waiting:
+                    self.serving -= 1
+                    return
+                request, client_address, accepted = self.waiting.popleft()
+
+    def enter(self, reader):
+        with self.places:
+            self.readers.add(reader)
+
+    def leave(self, reader):
+        with self.places:
+            self.readers.discard(reader)
+
+    def _make_room(self):
+        """For each connection waiting, beyond those already given way to, an
+        idle kept-alive connection gives way, else the request coming longest
+        if it has been coming for the grace time. Called holding `places`."""
+        owed = len(self.waiting) - sum(reader.dropped for reader in self.readers)
+        if owed <= 0:
+            return
+        now, grace = time.monotonic(), min(YIELD_AFTER, self.deadline / 4)
+        yielding = sorted((reader for reader in self.readers
+                           if not reader.dropped and reader.began is not None
+                           and (reader.idle or now - reader.began >= grace)),
+                          key=lambda reader: (not reader.idle, reader.began))
+        for reader in yielding[:owed]:
+            reader.drop()
+
+    def _drop_late(self):
+        """Drops the waiting connections whose request is past its deadline."""
+        now = time.monotonic()
+        while self.waiting and now - self.waiting[0][2] >= self.deadline:
+            request, client_address, _ = self.waiting.popleft()
+            self._drop(request, client_address, "no place within %g s" % self.deadline)
+
+    def _drop(self, request, client_address, why):
+        self.service.log("%s:%d dropped: %s" % (client_address[0], client_address[1], why))
+        self.shutdown_request(request)
+
+    def service_actions(self):
+        with self.places:
+            self._drop_late()
+            self._make_room()
+
+    def server_close(self):
+        super().server_close()
+        with self.places:
+            while self.waiting:
+                self.shutdown_request(self.waiting.popleft()[0])
+
+
+def make_server(db_path, port=0, test_mode=False, log=None, deadline=DEADLINE,
+                max_connections=MAX_CONNECTIONS):
+    return Server(port, Service(Store(db_path), test_mode, log), deadline, max_connections)
 
 
 def main(argv=None):
@@ -1060,13 +1248,24 @@ def main(argv=None):
     parser.add_argument("--test-mode", action="store_true",
                         help="take fault orders and answer questions under /__")
     parser.add_argument("--log", help="request log file (default: standard error)")
+    parser.add_argument("--deadline", type=float, default=DEADLINE, metavar="SECONDS",
+                        help="time for a request to come whole, head and body"
+                        " (default %(default)g)")
+    parser.add_argument("--max-connections", type=int, default=MAX_CONNECTIONS, metavar="N",
+                        help="connections served at once (default %(default)d)")
     args = parser.parse_args(argv)
+    if not 0 < args.deadline <= 86400:
+        parser.error("--deadline must be more than 0 seconds and at most a day")
+    if args.max_connections < 1:
+        parser.error("--max-connections must be 1 or more")
 
     log = open(args.log, "a", encoding="utf-8") if args.log else sys.stderr
-    server = make_server(args.db, args.port, args.test_mode, log)
+    server = make_server(args.db, args.port, args.test_mode, log, args.deadline,
+                         args.max_connections)
     port = server.server_address[1]
-    server.service.log("listening on 127.0.0.1:%d%s"
-                       % (port, " in test mode" if args.test_mode else ""))
+    server.service.log("listening on 127.0.0.1:%d%s, a request within %g s, %d connections"
+                       " at once" % (port, " in test mode" if args.test_mode else "",
+                                     args.deadline, args.max_connections))
     if args.port_file:
         # Written whole under another name first, so a reader never sees half of it.
         partial = args.port_file + ".part"
