@@ -508,20 +508,29 @@ def registration(service, body, content_type, client):
 # ---------------------------------------------------------------------------
 # The import of favorites
 
-# The separator: a 0xFF behind which a URL scheme or the end of the line
-# follows. A scheme cannot run over a 0xFF, so the search reads a line of many
-# of them once.
-_SEPARATOR = re.compile(rb"\xff(?=[A-Za-z][A-Za-z0-9+.-]*:|\Z)")
+# A line's bytes as classes of a URL scheme ("a" a letter, "0" a digit, "+",
+# "." or "-", then ":" and 0xFF as they are and "." for any other), in which the
+# separator followed by a scheme is found by one search for a fixed start,
+# "0xFF a", that a run of 0xFF bytes does not hold up.
+_SCHEME_CLASSES = b"".join(
+    b"a" if bytes([byte]).isalpha() else
+    b"0" if bytes([byte]).isdigit() or byte in b"+.-" else
+    bytes([byte]) if byte in b":\xff" else b"." for byte in range(256))
+_SEPARATOR = re.compile(rb"\xffa[a0]*:")
 
 
 def split_shortcut(line):
     """Splits "path 0xFF URL". A path may itself hold the byte 0xFF (the letter
     y with diaeresis), so the separator is the first 0xFF behind which a URL
     scheme or nothing follows; failing that, the first 0xFF."""
-    found = _SEPARATOR.search(line)
-    at = found.start() if found else line.find(b"\xff")
-    if at < 0:
+    first = line.find(b"\xff")
+    if first < 0:
         return None
+    found = _SEPARATOR.search(line.translate(_SCHEME_CLASSES), first)
+    if found:
+        at = found.start()
+    else:
+        at = len(line) - 1 if line.endswith(b"\xff") else first
     return line[:at], line[at + 1:]
 
 
