@@ -4,15 +4,18 @@ and sign-up of a new account), the bookmark import server, and the few plain
 pages the program opens in the browser. Listens on 127.0.0.1 only.
 
     python3 service/tavrin_service.py --port 0 --db /tmp/tavrin.db \
-        --port-file /tmp/tavrin.port [--test-mode] [--log FILE]
+        --port-file /tmp/tavrin.port [--test-mode] [--log FILE] \
+        [--deadline SECONDS] [--max-connections N]
 
 With --test-mode the service also takes orders from tests under /__ (faults to
 inject, the stored account, the requests it saw); see README.md beside this file.
 """
 
 import argparse
+import codecs
 import hashlib
 import html
+import io
 import itertools
 import json
 import os
@@ -38,6 +41,20 @@ IMPORT_PATH = "/servlet/bookmarks.servlet.install.ImportServlet"
 FORM_LIMIT = 64 * 1024           # the registration form
 IMPORT_LIMIT = 16 * 1024 * 1024  # one import of favorites
 OTHER_LIMIT = 64 * 1024          # any other request body
+
+# What one client can hold. A request must come whole, head and body, within
+# DEADLINE seconds of the connection's acceptance (its first request) or of the
+# answer before it (the next ones on a kept-alive connection); each write of an
+# answer has as long. At most MAX_CONNECTIONS connections are served at once;
+# up to BACKLOG more wait for a place, each until its deadline. For each one
+# waiting, an idle kept-alive connection gives way, or else the request that has
+# been coming longest, once it has taken YIELD_AFTER seconds (a quarter of the
+# deadline if that is less). The listening socket's backlog is BACKLOG too, for
+# a burst of clients arriving at once.
+DEADLINE = 60.0
+MAX_CONNECTIONS = 64
+BACKLOG = 256
+YIELD_AFTER = 2.0
 
 # The keys of the account form, in the order in which the setup program writes them.
 FORM_KEYS = (
@@ -79,10 +96,14 @@ for _byte in range(0x80, 0xA0):
     except UnicodeDecodeError:
         pass
 _ANSI_BACK = {ord(ch): byte for byte, ch in _ANSI_UPPER.items()}
+# The same mapping as a table of 256 characters, which decodes at the speed of
+# a code page of its own: a long name of accented letters costs what one of
+# plain letters does.
+_ANSI_TABLE = "".join(_ANSI_UPPER.get(byte, chr(byte)) for byte in range(256))
 
 
 def ansi_text(data):
-    return data.decode("latin-1").translate(_ANSI_UPPER)
+    return codecs.charmap_decode(data, "strict", _ANSI_TABLE)[0]
 
 
 def ansi_bytes(text):
@@ -180,6 +201,10 @@ class Store:
     One connection, used under a lock by all request threads."""
 
     def __init__(self, path):
+        # The file holds the password hashes: it is its owner's alone, made
+        # so, or made so if an earlier run left it open to others.
+        os.close(os.open(path, os.O_RDWR | os.O_CREAT, 0o600))
+        os.chmod(path, 0o600)
         self.db = sqlite3.connect(path, check_same_thread=False)
         self.db.row_factory = sqlite3.Row
         self.lock = threading.Lock()
@@ -236,17 +261,18 @@ class Store:
                                    " ORDER BY rowid", (account_id,)).fetchall()
         return [row[0] for row in rows]
 
-    def store_import(self, account_id, shortcuts, client):
-        """Adds the shortcuts of one import; one already held is not doubled."""
+    def store_import(self, account_id, count, shortcuts, client):
+        """Adds the `count` shortcuts of one import, (path, URL) pairs taken one
+        at a time; one already held is not doubled."""
         with self.lock, self.db:
             import_id = self.db.execute(
                 "INSERT INTO imports (account_id, received, shortcuts, client)"
                 " VALUES (?, ?, ?, ?)",
-                (account_id, now_text(), len(shortcuts), client)).lastrowid
+                (account_id, now_text(), count, client)).lastrowid
             self.db.executemany(
                 "INSERT OR IGNORE INTO favorites (account_id, import_id, path, url)"
                 " VALUES (?, ?, ?, ?)",
-                [(account_id, import_id, path, url) for path, url in shortcuts])
+                ((account_id, import_id, path, url) for path, url in shortcuts))
 
     def favorites(self, account_id):
         with self.lock:
@@ -482,7 +508,15 @@ def registration(service, body, content_type, client):
 # ---------------------------------------------------------------------------
 # The import of favorites
 
-_URL_START = re.compile(rb"[A-Za-z][A-Za-z0-9+.-]*:")
+# A line's bytes as classes of a URL scheme ("a" a letter, "0" a digit, "+",
+# "." or "-", then ":" and 0xFF as they are and "." for any other), in which the
+# separator followed by a scheme is found by one search for a fixed start,
+# "0xFF a", that a run of 0xFF bytes does not hold up.
+_SCHEME_CLASSES = b"".join(
+    b"a" if bytes([byte]).isalpha() else
+    b"0" if bytes([byte]).isdigit() or byte in b"+.-" else
+    bytes([byte]) if byte in b":\xff" else b"." for byte in range(256))
+_SEPARATOR = re.compile(rb"\xffa[a0]*:")
 
 
 def split_shortcut(line):
@@ -492,21 +526,59 @@ def split_shortcut(line):
     first = line.find(b"\xff")
     if first < 0:
         return None
-    at = first
-    while at >= 0:
-        rest = line[at + 1:]
-        if not rest or _URL_START.match(rest):
-            return line[:at], rest
-        at = line.find(b"\xff", at + 1)
-    return line[:first], line[first + 1:]
+    found = _SEPARATOR.search(line.translate(_SCHEME_CLASSES), first)
+    if found:
+        at = found.start()
+    else:
+        at = len(line) - 1 if line.endswith(b"\xff") else first
+    return line[:at], line[at + 1:]
+
+
+SHOWN_BAD_LINES = 20  # the refusal of an import names so many, then counts the rest
+
+
+def import_lines(body):
+    """The lines of an import body without their CR LF, each with whether it
+    had one: taken one at a time, so that no list of them is ever made."""
+    start, size = 0, len(body)
+    while start < size:
+        end = body.find(b"\r\n", start)
+        if end < 0:
+            yield body[start:], False
+            return
+        yield body[start:end], True
+        start = end + 2
+
+
+def line_fault(line, ended):
+    """What is wrong with a shortcut line, as a complaint with %d for its
+    number, or None."""
+    if not ended:
+        return "Line %d does not end with CR LF"
+    if not line:
+        return "Line %d is empty: expected a path, the byte 0xFF and a URL"
+    if b"\r" in line or b"\n" in line:
+        return "Line %d holds a lone CR or LF byte"
+    if b"\xff" not in line:
+        return "Line %d has no 0xFF byte between path and URL"
+    return None
+
+
+def shortcuts_of(body):
+    """(path, URL) of each line behind the passport line of a body whose lines
+    are all good."""
+    lines = import_lines(body)
+    next(lines)
+    for line, _ in lines:
+        path, url = split_shortcut(line)
+        yield ansi_text(path), ansi_text(url)
 
 
 def import_favorites(service, body, client):
     if not body:
         return complaint(401, ["The import carries no passport: sign up first"])
-    lines = body.split(b"\r\n")
-    unended = lines.pop()  # b"" when the body ends in CR LF
-    first = lines[0] if lines else unended
+    lines = import_lines(body)
+    first, ended = next(lines)
     if not first.startswith(b"passport="):
         return complaint(401, ["The import carries no passport: its first line must be"
                                " passport=<value>"])
@@ -514,58 +586,74 @@ def import_favorites(service, body, client):
     if account_id is None:
         return complaint(401, ["The passport of this import is unknown: sign up again"])
 
-    problems, shortcuts = [], []
-    for number, line in enumerate(lines[1:], 2):
-        if not line:
-            problems.append("Line %d is empty: expected a path, the byte 0xFF and a URL"
-                            % number)
-        elif b"\r" in line or b"\n" in line:
-            problems.append("Line %d holds a lone CR or LF byte" % number)
-        else:
-            parts = split_shortcut(line)
-            if parts is None:
-                problems.append("Line %d has no 0xFF byte between path and URL" % number)
-            else:
-                shortcuts.append((ansi_text(parts[0]), ansi_text(parts[1])))
-    if unended:
-        problems.append("Line %d does not end with CR LF" % (len(lines) + 1))
-    if problems:
-        if len(problems) > 20:
-            problems[20:] = ["... and %d more bad lines" % (len(problems) - 20)]
+    # All lines are checked before any is kept. Only the complaints that are
+    # shown are written; the rest are counted.
+    problems, bad, good = [], 0, 0
+    numbered = enumerate(lines, 2) if ended else [(1, (first, ended))]
+    for number, (line, ended) in numbered:
+        fault = line_fault(line, ended)
+        if fault is None:
+            good += 1
+            continue
+        bad += 1
+        if bad <= SHOWN_BAD_LINES:
+            problems.append(fault % number)
+    if bad:
+        if bad > SHOWN_BAD_LINES:
+            problems.append("... and %d more bad lines" % (bad - SHOWN_BAD_LINES))
         return complaint(400, problems)
-    service.store.store_import(account_id, shortcuts, client)
+    service.store.store_import(account_id, good, shortcuts_of(body), client)
     return Reply(200)
 
 
+# Windows paths hold no more folders than this; the folders of a deeper path
+# beyond it are shown as one, named by the rest of its path.
+FOLDER_DEPTH = 128
+
+
 def favorites_tree(favorites):
-    """Nested <ul> by folder: in each folder its shortcuts, then its folders."""
+    """Nested <ul> by folder: in each folder its shortcuts, then its folders.
+    Walked with a stack of its own, so that no depth of folders is too deep."""
     root = ({}, [])
     for path, url in favorites:
-        parts = path.split("\\")
-        if parts[0] == "" and len(parts) > 1:
-            parts = parts[1:]
+        if path.startswith("\\"):
+            path = path[1:]
+        parts = path.split("\\", FOLDER_DEPTH)
+        rest, slash, name = parts[-1].rpartition("\\")
+        folders = parts[:-1] + [rest] if slash else parts[:-1]
         node = root
-        for folder in parts[:-1]:
+        for folder in folders:
             node = node[0].setdefault(folder, ({}, []))
-        node[1].append((parts[-1], url))
+        node[1].append((name, url))
 
-    def render(node, depth):
+    out = []
+
+    def begin(node, depth):
+        """Writes the start of a folder's list; returns its folders to go."""
         pad = "  " * depth
-        out = [pad + "<ul>"]
+        out.append(pad + "<ul>")
         for name, url in node[1]:
             label = html.escape(name or "(no name)")
             if re.match(r"(?i)(https?|ftp)://", url):
                 out.append('%s  <li><a href="%s">%s</a></li>' % (pad, html.escape(url), label))
             else:
                 out.append("%s  <li>%s <code>%s</code></li>" % (pad, label, html.escape(url)))
-        for folder, child in node[0].items():
-            out.append('%s  <li class="folder">%s' % (pad, html.escape(folder or "(no name)")))
-            out.append(render(child, depth + 2))
-            out.append(pad + "  </li>")
-        out.append(pad + "</ul>")
-        return "\n".join(out)
+        return iter(node[0].items())
 
-    return render(root, 0)
+    stack = [(begin(root, 0), 0)]
+    while stack:
+        folders, depth = stack[-1]
+        pad = "  " * depth
+        for folder, child in folders:
+            out.append('%s  <li class="folder">%s' % (pad, html.escape(folder or "(no name)")))
+            stack.append((begin(child, depth + 2), depth + 2))
+            break
+        else:
+            stack.pop()
+            out.append(pad + "</ul>")
+            if stack:
+                out.append("  " * stack[-1][1] + "  </li>")
+    return "\n".join(out)
 
 
 # ---------------------------------------------------------------------------
@@ -720,18 +808,104 @@ def cookies_of(header):
     return found
 
 
+class Dropped(TimeoutError):
+    """The connection gave way to one waiting for a place."""
+
+
+class DeadlineReader(io.RawIOBase):
+    """The bytes a client sends, for a request that must come whole by
+    `deadline` (of time.monotonic()): each read waits only for the time left,
+    so a byte now and then does not stretch a request. `began` is when the
+    request now coming began, None while none is coming; `idle` tells a
+    kept-alive connection waiting for its next request. The server reads both
+    to choose which connection gives way, and ends its reading with drop()."""
+
+    def __init__(self, sock, seconds):
+        self.sock = sock
+        self.seconds = seconds
+        self.deadline = 0.0
+        self.began = None
+        self.idle = False
+        self.dropped = False
+
+    def readable(self):
+        return True
+
+    def start(self, began, idle=False):
+        self.began, self.idle, self.deadline = began, idle, began + self.seconds
+
+    def readinto(self, buffer):
+        left = self.deadline - time.monotonic()
+        try:
+            if left <= 0:
+                raise TimeoutError
+            self.sock.settimeout(left)
+            count = self.sock.recv_into(buffer)
+        except TimeoutError:
+            raise TimeoutError("the request did not come whole within %g s"
+                               % self.seconds) from None
+        finally:
+            self.sock.settimeout(self.seconds)  # for the writes of the answer
+        if not count and self.dropped:
+            raise Dropped("the connection gave way to one waiting for a place")
+        return count
+
+    def drop(self):
+        """Called by the server: the read waiting, and any after it, end at
+        once. What was read whole is still answered."""
+        self.dropped = True
+        try:
+            self.sock.shutdown(socket.SHUT_RD)
+        except OSError:  # closed already
+            pass
+
+
 class Handler(BaseHTTPRequestHandler):
     protocol_version = "HTTP/1.1"
-    timeout = 60  # an idle kept-alive connection is closed after this
+
+    def __init__(self, request, client_address, server, accepted=None):
+        self.accepted = time.monotonic() if accepted is None else accepted
+        self.requests_begun = 0
+        super().__init__(request, client_address, server)
 
     def version_string(self):
         return "TavRin/1.0"
 
     def setup(self):
+        self.timeout = self.server.deadline
         super().setup()
         # Headers and body go out in two writes: without this the second waits
         # for the client's delayed acknowledgement, some 40 ms a request.
         self.connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.rfile.close()
+        self.reader = DeadlineReader(self.connection, self.server.deadline)
+        self.rfile = io.BufferedReader(self.reader)
+        self.server.enter(self.reader)
+
+    def finish(self):
+        self.server.leave(self.reader)
+        super().finish()
+
+    def handle_one_request(self):
+        """One request, which must come whole by its deadline, else the
+        connection is dropped without an answer."""
+        reader = self.reader
+        if self.requests_begun:
+            # Kept alive: the clock starts at the answer before.
+            reader.start(time.monotonic(), idle=True)
+            try:
+                begun = self.rfile.peek(1)
+            except OSError:  # out of time, gave way, or the client went away
+                begun = b""
+            if not begun:
+                self.close_connection = True
+                return
+            with self.server.places:
+                reader.began, reader.idle = time.monotonic(), False
+        else:
+            reader.start(self.accepted)
+        self.requests_begun += 1
+        super().handle_one_request()
 
     @property
     def service(self):
@@ -775,7 +949,7 @@ class Handler(BaseHTTPRequestHandler):
         if not left:
             return
         try:
-            self.connection.settimeout(5)
+            self.reader.deadline = time.monotonic() + 5
             while left > 0:
                 chunk = self.rfile.read1(min(left, 65536))
                 if not chunk:
@@ -811,17 +985,22 @@ class Handler(BaseHTTPRequestHandler):
         return body
 
     def _serve(self):
-        url = urlsplit(self.path)
+        try:
+            url = urlsplit(self.path)
+        except ValueError:  # a host in brackets left open, for one
+            return self.send_error(400, "The request target cannot be read")
         self._route = url.path
         control = self.service.test_mode and url.path.startswith("/__")
         limit = {REGISTRATION_PATH: FORM_LIMIT, IMPORT_PATH: IMPORT_LIMIT}.get(url.path,
                                                                              OTHER_LIMIT)
         body = self._read_body(limit)
+        self.reader.began = None  # read: whatever else comes, it is answered
         if body is None:  # the client went away in the middle of its body
             self._log("-", 0)
             return
         seen = None
-        if not control:
+        if self.service.test_mode and not control:
+            # Only test mode can ask for them: without it no body is kept.
             seen = {"method": self.command, "path": url.path, "query": url.query,
                     "headers": [[name, value] for name, value in self.headers.items()],
                     "body": body.decode("latin-1") if isinstance(body, bytes) else None,
@@ -851,11 +1030,9 @@ class Handler(BaseHTTPRequestHandler):
             return
         if fault and fault.status is not None:
             reply = Reply(fault.status, fault.body, fault.content_type)
-        elif control:
-            reply = self._control(url, body)
         else:
             try:
-                reply = self._route_request(url, body)
+                reply = (self._control if control else self._route_request)(url, body)
             except Exception as error:  # a fault of the service itself
                 self.service.log("error on %s: %r" % (url.path, error))
                 reply = complaint(500, ["The TavRin service failed on this request"])
@@ -967,7 +1144,7 @@ class Handler(BaseHTTPRequestHandler):
             return json_reply(report)
         if path == "/__requests" and method == "GET":
             last = query.get("last", "10")
-            if not last.isdigit():
+            if not re.fullmatch(r"[0-9]+", last):  # isdigit() takes "\u00b2" too
                 return Reply(400, "last must be a number\r\n")
             seen = list(self.service.requests)
             return json_reply(seen[-int(last):] if int(last) else [])
@@ -975,15 +1152,100 @@ class Handler(BaseHTTPRequestHandler):
 
 
 class Server(ThreadingHTTPServer):
+    """Serves each connection on a thread of its own, at most max_connections
+    at once; the ones over wait, without a thread, for a place."""
     daemon_threads = True
+    request_queue_size = BACKLOG
 
-    def __init__(self, port, service):
+    def __init__(self, port, service, deadline=DEADLINE, max_connections=MAX_CONNECTIONS):
         self.service = service
+        self.deadline = deadline
+        self.max_connections = max_connections
+        self.places = threading.Lock()
+        self.serving = 0
+        self.waiting = deque()  # (socket, address, time accepted), oldest first
+        self.readers = set()  # those of the connections served
         super().__init__(("127.0.0.1", port), Handler)
 
+    def process_request(self, request, client_address):
+        accepted = time.monotonic()
+        with self.places:
+            if self.serving >= self.max_connections:
+                if len(self.waiting) < BACKLOG:
+                    self.waiting.append((request, client_address, accepted))
+                    self._make_room()
+                else:
+                    self._drop(request, client_address, "too many connections wait")
+                return
+            self.serving += 1
+        threading.Thread(target=self._serve_connections, daemon=True,
+                         args=(request, client_address, accepted)).start()
 
-def make_server(db_path, port=0, test_mode=False, log=None):
-    return Server(port, Service(Store(db_path), test_mode, log))
+    def _serve_connections(self, request, client_address, accepted):
+        """Serves a connection, then in its place the ones waiting, oldest first."""
+        while True:
+            try:
+                self.RequestHandlerClass(request, client_address, self, accepted)
+            except Exception:
+                self.handle_error(request, client_address)
+            finally:
+                self.shutdown_request(request)
+            with self.places:
+                self._drop_late()
+                if not self.waiting:
+                    self.serving -= 1
+                    return
+                request, client_address, accepted = self.waiting.popleft()
+
+    def enter(self, reader):
+        with self.places:
+            self.readers.add(reader)
+
+    def leave(self, reader):
+        with self.places:
+            self.readers.discard(reader)
+
+    def _make_room(self):
+        """For each connection waiting, beyond those already given way to, an
+        idle kept-alive connection gives way, else the request coming longest
+        if it has been coming for the grace time. Called holding `places`."""
+        owed = len(self.waiting) - sum(reader.dropped for reader in self.readers)
+        if owed <= 0:
+            return
+        now, grace = time.monotonic(), min(YIELD_AFTER, self.deadline / 4)
+        yielding = sorted((reader for reader in self.readers
+                           if not reader.dropped and reader.began is not None
+                           and (reader.idle or now - reader.began >= grace)),
+                          key=lambda reader: (not reader.idle, reader.began))
+        for reader in yielding[:owed]:
+            reader.drop()
+
+    def _drop_late(self):
+        """Drops the waiting connections whose request is past its deadline."""
+        now = time.monotonic()
+        while self.waiting and now - self.waiting[0][2] >= self.deadline:
+            request, client_address, _ = self.waiting.popleft()
+            self._drop(request, client_address, "no place within %g s" % self.deadline)
+
+    def _drop(self, request, client_address, why):
+        self.service.log("%s:%d dropped: %s" % (client_address[0], client_address[1], why))
+        self.shutdown_request(request)
+
+    def service_actions(self):
+        with self.places:
+            self._drop_late()
+            self._make_room()
+
+    def server_close(self):
+        super().server_close()
+        with self.places:
+            while self.waiting:
+                self.shutdown_request(self.waiting.popleft()[0])
+
+
+def make_server(db_path, port=0, test_mode=False, log=None, deadline=DEADLINE,
+                max_connections=MAX_CONNECTIONS):
+    return Server(port, Service(Store(db_path), test_mode, log), deadline, max_connections)
 
 
 def main(argv=None):
@@ -995,13 +1257,24 @@ def main(argv=None):
     parser.add_argument("--test-mode", action="store_true",
                         help="take fault orders and answer questions under /__")
     parser.add_argument("--log", help="request log file (default: standard error)")
+    parser.add_argument("--deadline", type=float, default=DEADLINE, metavar="SECONDS",
+                        help="time for a request to come whole, head and body"
+                        " (default %(default)g)")
+    parser.add_argument("--max-connections", type=int, default=MAX_CONNECTIONS, metavar="N",
+                        help="connections served at once (default %(default)d)")
     args = parser.parse_args(argv)
+    if not 0 < args.deadline <= 86400:
+        parser.error("--deadline must be more than 0 seconds and at most a day")
+    if args.max_connections < 1:
+        parser.error("--max-connections must be 1 or more")
 
     log = open(args.log, "a", encoding="utf-8") if args.log else sys.stderr
-    server = make_server(args.db, args.port, args.test_mode, log)
+    server = make_server(args.db, args.port, args.test_mode, log, args.deadline,
+                         args.max_connections)
     port = server.server_address[1]
-    server.service.log("listening on 127.0.0.1:%d%s"
-                       % (port, " in test mode" if args.test_mode else ""))
+    server.service.log("listening on 127.0.0.1:%d%s, a request within %g s, %d connections"
+                       " at once" % (port, " in test mode" if args.test_mode else "",
+                                     args.deadline, args.max_connections))
     if args.port_file:
         # Written whole under another name first, so a reader never sees half of it.
         partial = args.port_file + ".part"

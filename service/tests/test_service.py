@@ -4,12 +4,14 @@ import http.client
 import io
 import json
 import os
+import select
 import socket
 import sqlite3
 import sys
 import tempfile
 import threading
 import time
+import tracemalloc
 import unittest
 from urllib.parse import quote
 
@@ -64,8 +66,19 @@ class ServiceTest(unittest.TestCase):
         cls.server.service.store.close()
         cls.folder.cleanup()
 
-    def request(self, method, path, body=None, content_type=FORM_TYPE):
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=30)
+    def own_server(self, **options):
+        """A service of this test's own, with options of its own; returns its
+        port and its database file."""
+        db = os.path.join(self.folder.name, self._testMethodName + ".db")
+        server = ts.make_server(db, 0, True, io.StringIO(), **options)
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.addCleanup(server.service.store.close)
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        return server.server_address[1], db
+
+    def request(self, method, path, body=None, content_type=FORM_TYPE, port=None):
+        connection = http.client.HTTPConnection("127.0.0.1", port or self.port, timeout=30)
         try:
             headers = {"Content-Type": content_type} if body is not None else {}
             connection.request(method, path, body, headers)
@@ -88,6 +101,9 @@ class ServiceTest(unittest.TestCase):
         status, headers, _ = self.register(form(Command="Add", UserCode=user))
         self.assertEqual(status, 200)
         return [value for name, value in headers if name == "Set-Cookie"]
+
+    def passport_line(self, user):
+        return self.sign_up(user)[0].split(";")[0].encode("ascii") + b"\r\n"
 
     def assertRefusal(self, reply, status, text):
         self.assertEqual(reply[0], status)
@@ -121,6 +137,13 @@ class AccountTest(ServiceTest):
         for name in os.listdir(self.folder.name):
             with open(os.path.join(self.folder.name, name), "rb") as data:
                 self.assertNotIn(b"s3cr&t", data.read())
+        # The file is its owner's alone, and one an earlier run left open becomes so.
+        self.assertEqual(os.stat(self.db).st_mode & 0o777, 0o600)
+        older = os.path.join(self.folder.name, "older.db")
+        os.close(os.open(older, os.O_CREAT | os.O_WRONLY, 0o644))
+        os.chmod(older, 0o644)
+        ts.Store(older).close()
+        self.assertEqual(os.stat(older).st_mode & 0o777, 0o600)
 
     def test_business_sign_up(self):
         business = dict(Command="AddTrial", CommandAction="AddTrial", UserCode="acme.co",
@@ -198,9 +221,6 @@ class AccountTest(ServiceTest):
 
 
 class ImportTest(ServiceTest):
-    def passport_line(self, user):
-        return self.sign_up(user)[0].split(";")[0].encode("ascii") + b"\r\n"
-
     def test_import_with_odd_paths(self):
         body = (self.passport_line("fay")
                 + b"\\Links\\News\xffhttp://news.example/\r\n"
@@ -220,6 +240,17 @@ class ImportTest(ServiceTest):
         page = self.request("GET", "/favorites?user=fay")[2].decode("utf-8")
         self.assertIn('<li class="folder">d\n', page)
         self.assertIn('<a href="http://y.example/?a=1&amp;b=2">\u00ff</a>', page)
+
+    def test_favorites_page_of_deep_folders(self):
+        self.import_(self.passport_line("deep")
+                     + b"\\d" * 5000 + b"\\Bottom\xffhttp://deep.example/\r\n")
+        status, _, page = self.request("GET", "/favorites?user=deep")
+        self.assertEqual(status, 200)
+        self.assertIn(b'<a href="http://deep.example/">Bottom</a>', page)
+        # The folders beyond those a Windows path can hold make one, named by their path.
+        self.assertEqual(page.count(b"<ul>"), ts.FOLDER_DEPTH + 2)
+        self.assertIn(b'<li class="folder">' + b"\\".join([b"d"] * (5000 - ts.FOLDER_DEPTH))
+                      + b"\n", page)
 
     def test_passport_required(self):
         for body, text in ((b"", "carries no passport"),
@@ -332,6 +363,13 @@ class LimitAndFaultTest(ServiceTest):
         for bad in (b"repeat=5", b"status=200&repeat=0", b"reset_after=1"):
             self.assertEqual(self.request("POST", "/__fault", bad)[0], 400, bad)
 
+    def test_unreadable_questions_refused(self):
+        for path in ("/__requests?last=%C2%B2", "/__requests?last=-1"):
+            self.assertEqual(self.request("GET", path)[0], 400, path)
+        with socket.create_connection(("127.0.0.1", self.port), timeout=30) as connection:
+            connection.sendall(b"GET http://[bad/welcome HTTP/1.1\r\nHost: x\r\n\r\n")
+            self.assertTrue(connection.makefile("rb").read().startswith(b"HTTP/1.1 400 "))
+
     def test_requests_seen_byte_for_byte(self):
         body = b"passport=nope\r\n\\\xe9\xff\x00http://z/\r\n"
         self.import_(body)
@@ -340,6 +378,113 @@ class LimitAndFaultTest(ServiceTest):
         self.assertEqual((seen[0]["path"], seen[0]["body"].encode("latin-1"), seen[0]["status"]),
                          (ts.IMPORT_PATH, body, 401))
         self.assertIn(["Content-Type", FORM_TYPE], seen[0]["headers"])
+
+
+class HostileClientTest(ServiceTest):
+    """Requests a hostile client makes cost what plain ones of their size do."""
+
+    def test_line_of_separators_costs_a_plain_line(self):
+        passport = self.passport_line("sep")
+        size = 256 * 1024
+        lines = {"plain": b"\xe9" * size + b"\xffhttp://plain.example/",
+                 "separators": b"\xff" * size}
+        cost = dict.fromkeys(lines, 1e9)
+        for _ in range(5):  # taken in turns, the quickest of each kind
+            for kind, line in lines.items():
+                started = time.perf_counter()
+                self.assertEqual(self.import_(passport + line + b"\r\n")[0], 200)
+                cost[kind] = min(cost[kind], time.perf_counter() - started)
+        self.assertLess(cost["separators"], 4 * cost["plain"])
+
+    def test_body_of_bad_lines_costs_little_memory(self):
+        body = self.passport_line("mem") + b"\r\n" * (256 * 1024)
+        tracemalloc.start()
+        try:
+            reply = self.import_(body)
+            peak = tracemalloc.get_traced_memory()[1]
+        finally:
+            tracemalloc.stop()
+        # The body itself is held a few times over (sent, read, seen); a
+        # complaint or a list entry for each of its lines would be many times more.
+        self.assertLess(peak, 6 * len(body))
+        self.assertRefusal(reply, 400, "Line 21 is empty")
+        self.assertEqual(reply[2].count(b"\r\n"), 21)
+        self.assertIn(b"... and %d more bad lines" % (256 * 1024 - 20), reply[2])
+
+
+    def test_burst_of_sign_ups_all_answered(self):
+        port, db = self.own_server(max_connections=8)
+        names = ["burst%d" % number for number in range(40)]
+        together = threading.Barrier(len(names))
+        statuses = {}
+
+        def sign_up(name):
+            together.wait()
+            try:
+                statuses[name] = self.request("POST", ts.REGISTRATION_PATH,
+                                              form(Command="Add", UserCode=name), port=port)[0]
+            except OSError as error:
+                statuses[name] = repr(error)
+
+        threads = [threading.Thread(target=sign_up, args=(name,)) for name in names]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        self.assertEqual(statuses, dict.fromkeys(names, 200))
+        with sqlite3.connect(db) as data:
+            stored = [row[0] for row in data.execute("SELECT user_name FROM accounts")]
+        self.assertEqual(sorted(stored), sorted(names))
+
+    def test_slow_clients_dropped_while_pages_served(self):
+        deadline = 2.0  # a slow request gives way to one waiting after 0.5 s
+        port, _ = self.own_server(deadline=deadline, max_connections=4)
+        opened, dropped = {}, {}
+
+        def connect(count):  # clients that send the head of a request and no more
+            for _ in range(count):
+                began = time.monotonic()
+                connection = socket.create_connection(("127.0.0.1", port), timeout=30)
+                self.addCleanup(connection.close)
+                connection.sendall(b"POST /welcome HTTP/1.1\r\nContent-Length: 99\r\n\r\n")
+                opened[connection] = began
+
+        def watch(seconds):  # each slow client sends a byte of its body every 0.2 s
+            until = time.monotonic() + seconds
+            while True:
+                for connection in [kept.sock, *opened]:
+                    try:
+                        if connection not in dropped:
+                            if select.select([connection], [], [], 0)[0] \
+                                    and not connection.recv(99):
+                                raise ConnectionError("closed")
+                            if connection is not kept.sock:
+                                connection.send(b"x")
+                    except OSError:
+                        dropped[connection] = time.monotonic()
+                if time.monotonic() >= until or len(dropped) > len(opened):
+                    return
+                time.sleep(0.2)
+
+        kept = http.client.HTTPConnection("127.0.0.1", port, timeout=30)
+        self.addCleanup(kept.close)
+        kept.request("GET", "/welcome")
+        reply = kept.getresponse()
+        self.assertEqual((reply.status, reply.read()[:1]), (200, b"<"))  # then kept alive
+        connect(4)  # the fourth waits, and the idle kept-alive connection gives way
+        watch(1)
+        self.assertEqual(list(dropped), [kept.sock])
+        # The places are all held by slow clients; a page is served all the same,
+        # before their deadline, and only one of them gives way to it.
+        self.assertEqual(self.request("GET", "/welcome", port=port)[0], 200)
+        self.assertLess(time.monotonic(), min(opened.values()) + deadline)
+        watch(0)
+        self.assertEqual(len(dropped), 2)
+        watch(deadline + 3)
+        self.assertEqual(len(dropped), len(opened) + 1)
+        for connection, when in opened.items():
+            self.assertLess(dropped[connection] - when, deadline + 1.5)
+        self.assertEqual(self.request("GET", "/welcome", port=port)[0], 200)
 
 
 class PlainModeTest(ServiceTest):
