@@ -460,7 +460,10 @@ class AccountForm:
         return values
 
 
-def registration(service, body, content_type, client):
+SESSION_COOKIE = "session"
+
+
+def registration(service, body, content_type, client, cookie_header=""):
     if not content_type.lower().startswith("application/x-www-form-urlencoded"):
         return complaint(415, ["The account form must be sent as "
                                "application/x-www-form-urlencoded"])
@@ -491,7 +494,15 @@ def registration(service, body, content_type, client):
     if form.complaints:
         return complaint(409 if form.name_taken else 400, form.complaints)
     if signup is None:
+        # As a web application's container does: the check opens a session,
+        # by a cookie without an expiry, and the sign-up must come within it.
+        if service.sessions_required:
+            return Reply(200, headers=[("Set-Cookie", "%s=%s; path=/"
+                                        % (SESSION_COOKIE, service.open_session()))])
         return Reply(200)
+    if service.sessions_required and not service.has_session(
+            cookies_of(cookie_header).get(SESSION_COOKIE, "")):
+        return complaint(400, ["Your session has expired: please check your details again"])
     name = form.text["UserCode"]
     try:
         token = service.store.create_account(name, raw["Password"], form.stored_values(),
@@ -745,6 +756,9 @@ class Service:
         self.faults = []
         self.faults_lock = threading.Lock()
         self.requests = deque(maxlen=500)
+        self.sessions_required = False
+        self.sessions = set()
+        self.sessions_lock = threading.Lock()
 
     def log(self, text):
         with self.log_lock:
@@ -771,6 +785,16 @@ class Service:
                         fault.count -= 1
                     return fault
         return None
+
+    def open_session(self):
+        token = secrets.token_hex(16)
+        with self.sessions_lock:
+            self.sessions.add(token)
+        return token
+
+    def has_session(self, token):
+        with self.sessions_lock:
+            return token in self.sessions
 
     def account_report(self, user_name):
         row = self.store.account(user_name)
@@ -1079,7 +1103,8 @@ class Handler(BaseHTTPRequestHandler):
                 return self._wrong_method("POST")
             if path == REGISTRATION_PATH:
                 return registration(self.service, body,
-                                    self.headers.get("Content-Type", ""), client)
+                                    self.headers.get("Content-Type", ""), client,
+                                    self.headers.get("Cookie", ""))
             return import_favorites(self.service, body, client)
         pages = {"/welcome": self._welcome, "/CustomerSupport": self._support,
                  "/UserInfo": self._user_info, "/favorites": self._favorites}
@@ -1137,6 +1162,12 @@ class Handler(BaseHTTPRequestHandler):
             return json_reply(fault.describe())
         if path == "/__clear" and method == "POST":
             return json_reply({"cleared": self.service.clear_faults()})
+        if path == "/__sessions" and method == "POST":
+            form = dict(parse_qsl(body.decode("latin-1")))
+            if form.get("required") not in ("0", "1"):
+                return Reply(400, "required must be 0 or 1\r\n")
+            self.service.sessions_required = form["required"] == "1"
+            return json_reply({"required": self.service.sessions_required})
         if path == "/__account" and method == "GET":
             report = self.service.account_report(query.get("user", ""))
             if report is None:
