@@ -8,12 +8,21 @@
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
 
-std::string pickExtractionFolder(const char* folder)
+std::string makeExtractionFolder(const char* folder)
 {
-    std::string name = "tavrin";
-    for (unsigned long number = 1; fileExists(folder, name.c_str()); ++number)
-        name = "tavrin" + std::to_string(number);
-    return name;
+    // Bounded: a temporary folder that takes no new folder at all (gone, full,
+    // read-only) would otherwise be tried for ever.
+    for (unsigned long number = 0; number < 1000; ++number) {
+        std::string name = number ? "tavrin" + std::to_string(number) : "tavrin";
+        char path[MAX_PATH];
+        if (joinedLength(folder, name.c_str()) >= sizeof path) return "";
+        joinPath(folder, name.c_str(), path, sizeof path);
+        // A name taken in any form is passed over; and the folder must be made
+        // by this call: one that appeared since the look (a file, a link, a
+        // folder planted with files of its own) makes CreateDirectoryA fail.
+        if (!fileExists(path, nullptr) && CreateDirectoryA(path, nullptr)) return path;
+    }
+    return "";
 }
 
 namespace {
@@ -65,10 +74,8 @@ void CInstallExtract::onDlgReady()
     if (written) cabinet->listFiles(cabinetFile);
 
     if (written && cabinet->fileCount() != 0) {
-        char folder[MAX_PATH];
-        joinPath(temp, pickExtractionFolder(temp).c_str(), folder, sizeof folder);
-        createFolderPath(folder);
-        tempFolder = folder;
+        tempFolder = makeExtractionFolder(temp);
+        written = !tempFolder.empty();
         int step = static_cast<int>(90 / cabinet->fileCount());
         for (size_t index = 0; written && index < cabinet->fileCount(); ++index) {
             written = cabinet->extractFile(index, tempFolder.c_str()) != 0;

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "FolderLink.h"
 #include "SetupProcess.h"
 
 namespace {
@@ -132,13 +133,19 @@ TEST_F(Extraction, TakenNamesLeadToTheNextNumber)
 {
     ASSERT_TRUE(CreateDirectoryA((tempFolder() + "tavrin").c_str(), nullptr));
     writeFile(tempFolder() + "tavrin1", "a file counts as taken too");
+    // So does a link that leads nowhere, which Wine does not list at all: only
+    // the folder's creation can tell that the name is taken.
+    ASSERT_TRUE(CreateDirectoryA((tempFolder() + "tvgone").c_str(), nullptr));
+    FolderLink dangling(tempFolder() + "tavrin2", tempFolder() + "tvgone");
+    ASSERT_TRUE(dangling.listsAsJunction());
+    ASSERT_TRUE(RemoveDirectoryA((tempFolder() + "tvgone").c_str()));
     setDebugOverride(true);
     SetupProcess setup("/Q");
     ASSERT_TRUE(setup.window("Server Override"));
-    EXPECT_TRUE(exists(tempFolder() + "tavrin2\\setup.ini"));
+    EXPECT_TRUE(exists(tempFolder() + "tavrin3\\setup.ini"));
     answerBox(setup, "Server Override");
     EXPECT_EQ(setup.wait(), 0);
-    EXPECT_FALSE(exists(tempFolder() + "tavrin2"));
+    EXPECT_FALSE(exists(tempFolder() + "tavrin3"));
     EXPECT_TRUE(exists(tempFolder() + "tavrin") && exists(tempFolder() + "tavrin1"));
 }
 
