@@ -71,10 +71,13 @@ void walkFavorites(const char* folder, const char* relative, std::string& body)
     do {
         const char* name = found.cFileName;
         if (name[0] == '.') continue;  // ".", "..", and every other name that begins with a point
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+        WalkEntry entry = walkEntryOf(found.dwFileAttributes);
+        if (entry == WalkEntry::folder) {
             subfolders.push_back(name);
             continue;
         }
+        // A link in Favorites, to a folder or to one shortcut, is followed nowhere.
+        if (entry == WalkEntry::link) continue;
         char file[MAX_PATH], path[MAX_PATH];
         if (isShortcutName(name) && joinWhole(folder, name, file) && joinWhole(relative, name, path))
             addShortcut(file, path, body);

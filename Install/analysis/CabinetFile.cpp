@@ -18,7 +18,10 @@ UINT CCabinetFile::onNotification(UINT notification, UINT_PTR param1)
 {
     switch (notification) {
     case SPFILENOTIFY_CABINETINFO:
+        return NO_ERROR;
     case SPFILENOTIFY_FILEEXTRACTED:
+        // Where Windows tells of a member it could not write.
+        if (reinterpret_cast<const FILEPATHS_A*>(param1)->Win32Error != NO_ERROR) writeFailed = true;
         return NO_ERROR;
     case SPFILENOTIFY_FILEINCABINET: {
         auto* info = reinterpret_cast<FILE_IN_CABINET_INFO_A*>(param1);
@@ -33,6 +36,8 @@ UINT CCabinetFile::onNotification(UINT notification, UINT_PTR param1)
         if (joinedLength(targetFolder, info->NameInCabinet) >= sizeof info->FullTargetName) return FILEOP_SKIP;
         joinPath(targetFolder, info->NameInCabinet, info->FullTargetName,
                  sizeof info->FullTargetName);
+        copyText(memberPath, info->FullTargetName, sizeof memberPath);
+        memberSize = info->FileSize;
         return FILEOP_DOIT;
     }
     default:
@@ -55,8 +60,13 @@ int CCabinetFile::extractFile(size_t index, const char* folder)
     copyText(wantedName, entries[index].name.c_str(), sizeof wantedName);
     installLog.writef("Expanding file %s", wantedName);
     mode = extracting;
+    writeFailed = false;
+    memberPath[0] = 0;
     copyText(targetFolder, folder, sizeof targetFolder);
-    systemDll::SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
+    BOOL iterated = systemDll::SetupIterateCabinetA(cabinetPath, 0, cabinetCallback, this);
     mode = idle;
-    return 1;
+    // Wine 8 answers TRUE, and NO_ERROR for each member, when a full disk cut
+    // the members short: the size on disk tells.
+    if (memberPath[0] && fileSizeOf(memberPath) != memberSize) writeFailed = true;
+    return iterated == TRUE && !writeFailed;
 }

@@ -85,14 +85,17 @@ void CSearchPage::searchFolder(const char* folder)
     const size_t folderLength = std::strlen(folder);
     do {
         if (entry.cFileName[0] == '.') continue;
-        if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+        // A link is neither entered nor taken for a copy: a junction leads to a
+        // drive walked anyway, or round to a parent of its own.
+        const WalkEntry kind = walkEntryOf(entry.dwFileAttributes);
+        if (kind == WalkEntry::folder) {
             // A path that does not fit the buffer would be cut to one of its own
             // parents and walked again without end: such a folder is left out.
             char path[MAX_PATH];
             const size_t separator = folderLength && folder[folderLength - 1] == '\\' ? 0 : 1;
             if (folderLength + separator + std::strlen(entry.cFileName) < sizeof path)
                 searchFolder(joinPath(folder, entry.cFileName, path, sizeof path));
-        } else {
+        } else if (kind == WalkEntry::file) {
             for (const CInstallFile& file : wizard->settings.files) {
                 if (!file.upgradeCheck) continue;
                 char name[MAX_PATH];

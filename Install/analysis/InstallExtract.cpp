@@ -6,14 +6,37 @@
 #include "Program.h"
 #include "description/PathHelpers.h"
 #include "resources/resource.h"
+#include "wizard/InstallWizard.h"
 
-std::string pickExtractionFolder(const char* folder)
+std::string makeExtractionFolder(const char* folder)
 {
-    std::string name = "tavrin";
-    for (unsigned long number = 1; fileExists(folder, name.c_str()); ++number)
-        name = "tavrin" + std::to_string(number);
-    return name;
+    // Bounded: a temporary folder that takes no new folder at all (gone, full,
+    // read-only) would otherwise be tried for ever.
+    for (unsigned long number = 0; number < 1000; ++number) {
+        std::string name = number ? "tavrin" + std::to_string(number) : "tavrin";
+        char path[MAX_PATH];
+        if (joinedLength(folder, name.c_str()) >= sizeof path) return "";
+        joinPath(folder, name.c_str(), path, sizeof path);
+        // A name taken in any form is passed over; and the folder must be made
+        // by this call: one that appeared since the look (a file, a link, a
+        // folder planted with files of its own) makes CreateDirectoryA fail.
+        if (!fileExists(path, nullptr) && CreateDirectoryA(path, nullptr)) return path;
+    }
+    return "";
 }
+
+namespace {
+// The cabinet written whole and closed, or false.
+bool writeCabinet(const char* path, const void* bytes, DWORD size)
+{
+    HANDLE file =
+        CreateFileA(path, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    DWORD written = 0;
+    bool whole = WriteFile(file, bytes, size, &written, nullptr) && written == size;
+    return CloseHandle(file) && whole;
+}
+}  // namespace
 
 INT_PTR CInstallExtract::onInitDialog()
 {
@@ -45,28 +68,29 @@ void CInstallExtract::onDlgReady()
 
     char temp[MAX_PATH] = "", cabinetFile[MAX_PATH] = "";
     bool haveFile = GetTempPathA(sizeof temp, temp) && GetTempFileNameA(temp, "tv", 0, cabinetFile);
-    if (haveFile) {
-        HANDLE file = CreateFileA(cabinetFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-        DWORD written = 0;
-        WriteFile(file, bytes, size, &written, nullptr);
-        CloseHandle(file);
-    }
+    bool written = haveFile && writeCabinet(cabinetFile, bytes, size);
     SendMessageA(progress, PBM_DELTAPOS, 10, 0);
     SetWindowTextA(status, "Decompressing Installation Files...");
-    if (haveFile) cabinet->listFiles(cabinetFile);
+    if (written) cabinet->listFiles(cabinetFile);
 
-    if (cabinet->fileCount() != 0) {
-        char folder[MAX_PATH];
-        joinPath(temp, pickExtractionFolder(temp).c_str(), folder, sizeof folder);
-        createFolderPath(folder);
-        tempFolder = folder;
+    if (written && cabinet->fileCount() != 0) {
+        tempFolder = makeExtractionFolder(temp);
+        written = !tempFolder.empty();
         int step = static_cast<int>(90 / cabinet->fileCount());
-        for (size_t index = 0; index < cabinet->fileCount(); ++index) {
-            cabinet->extractFile(index, folder);
+        for (size_t index = 0; written && index < cabinet->fileCount(); ++index) {
+            written = cabinet->extractFile(index, tempFolder.c_str()) != 0;
             SendMessageA(progress, PBM_DELTAPOS, step, 0);
         }
     }
     if (haveFile) DeleteFileA(cabinetFile);
+    if (!written) {
+        // A file cut short by a full disk would pass for the program's own:
+        // the run ends here and leaves nothing behind.
+        if (!tempFolder.empty()) removeTree(tempFolder.c_str());
+        tempFolder.clear();
+        corruptInstallation();
+        EndDialog(hwnd, 0);
+        return;
+    }
     EndDialog(hwnd, 1);
 }

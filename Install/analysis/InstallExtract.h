@@ -17,5 +17,7 @@ public:
     std::string tempFolder;
 };
 
-// "tavrin", then "tavrin1", "tavrin2", ...: the first name not taken in `folder`.
-std::string pickExtractionFolder(const char* folder);
+// Makes the extraction folder in `folder`: "tavrin", else "tavrin1",
+// "tavrin2", ..., the first name that nothing holds and that this call itself
+// creates. Its path, or empty when none could be made.
+std::string makeExtractionFolder(const char* folder);

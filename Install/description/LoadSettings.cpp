@@ -28,14 +28,6 @@ private:
     char saved[MAX_PATH];
 };
 
-int corruptInstallation()
-{
-    char text[256];
-    loadString(IDS_CORRUPT_INSTALL, text, sizeof text);
-    MessageBoxA(GetActiveWindow(), text, "Corrupt Installation", MB_OK | MB_ICONINFORMATION);
-    return 0;
-}
-
 bool inCabinet(const CCabinetFile& cabinet, const std::string& fileName)
 {
     char wanted[MAX_PATH];
@@ -48,6 +40,14 @@ bool inCabinet(const CCabinetFile& cabinet, const std::string& fileName)
     return false;
 }
 }  // namespace
+
+int corruptInstallation()
+{
+    char text[256];
+    loadString(IDS_CORRUPT_INSTALL, text, sizeof text);
+    MessageBoxA(GetActiveWindow(), text, "Corrupt Installation", MB_OK | MB_ICONINFORMATION);
+    return 0;
+}
 
 int CInstallWizard::loadSettings()
 {

@@ -72,8 +72,23 @@ bool createFolderPath(const char* path)
     return folderExists(copy);
 }
 
+WalkEntry walkEntryOf(DWORD attributes)
+{
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) return WalkEntry::link;
+    return attributes & FILE_ATTRIBUTE_DIRECTORY ? WalkEntry::folder : WalkEntry::file;
+}
+
 bool removeTree(const char* path)
 {
+    // Decided on the path itself, not on the listing that named it: a folder
+    // put in the place of a listed one is taken as what it is now.
+    DWORD attributes = GetFileAttributesA(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    if (walkEntryOf(attributes) == WalkEntry::link) {
+        // Removing a junction or a link to a folder takes the link, never its target.
+        if (attributes & FILE_ATTRIBUTE_DIRECTORY) return RemoveDirectoryA(path) == TRUE;
+        return DeleteFileA(path) == TRUE;
+    }
     char pattern[MAX_PATH];
     joinPath(path, "*.*", pattern, sizeof pattern);
     WIN32_FIND_DATAA found;
@@ -86,10 +101,10 @@ bool removeTree(const char* path)
             // A name that does not fit the buffer is left alone rather than cut
             // into the name of something else.
             if (std::strlen(path) + 1 + std::strlen(found.cFileName) >= sizeof full) continue;
-            if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-                removeTree(full);
-            else
+            if (walkEntryOf(found.dwFileAttributes) == WalkEntry::file)
                 DeleteFileA(full);
+            else
+                removeTree(full);
         } while (FindNextFileA(search, &found));
         FindClose(search);
     }

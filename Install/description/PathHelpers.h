@@ -14,8 +14,16 @@ bool fileExists(const char* folder, const char* name);
 bool folderExists(const char* path);
 // Makes every folder along `path`; true if the whole path then stands as a folder.
 bool createFolderPath(const char* path);
+// What a walk of folders (a clean-up, a search, the Favorites) does with an
+// entry it lists, by the entry's attributes. A reparse point (junction, mount
+// point, link to a folder or a file) leads wherever it points, C:\ or another
+// user's files: no walk enters or follows one.
+enum class WalkEntry { file, folder, link };
+WalkEntry walkEntryOf(DWORD attributes);
 // Deletes `path` with all it holds, except names that begin with a point (and
-// so the folders that hold them). True if the folder itself went.
+// so the folders that hold them). A link in the tree, or `path` itself when it
+// is one, is removed as the link; what it leads to is left alone. True if
+// `path` itself went.
 bool removeTree(const char* path);
 // A name that stays inside any folder it is joined to: not empty, no drive, not
 // rooted, no step up (".." anywhere). Cabinet members and the files of the

@@ -90,3 +90,7 @@ private:
     bool hasLogo() const { return branding.present && branding.bitmapSize != 0; }
     bool overControl(int id, unsigned x, unsigned y);
 };
+
+// The "Corrupt Installation" box (string 3): the payload, or its way to the
+// extraction folder, is broken. Always 0.
+int corruptInstallation();

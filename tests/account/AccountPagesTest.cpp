@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
+#include "FolderLink.h"
 #include "TestThread.h"
 
 #include "TestSupport.h"
@@ -296,13 +297,14 @@ TEST_F(AccountPages, FailuresSendTheUserBackAndCancelWaitsForTheWork)
     EXPECT_EQ(jsonValue(serviceCall("/__account?user=" + user), "email"), user + "@mail.example");
 }
 
-TEST(FavoritesWalk, WhatCannotBeListedOrDoesNotFitAddsNothing)
+TEST(FavoritesWalk, WhatCannotBeListedDoesNotFitOrIsALinkAddsNothing)
 {
     char temp[MAX_PATH], current[MAX_PATH];
     GetTempPathA(sizeof temp, temp);
     std::string folder = std::string(temp) + "tvwalk" + std::to_string(GetCurrentProcessId());
     CreateDirectoryA(folder.c_str(), nullptr);
-    for (const char* name : {"\\A.url", "\\Longer name.url"})
+    CreateDirectoryA((folder + "-elsewhere").c_str(), nullptr);
+    for (const char* name : {"\\A.url", "\\Longer name.url", "-elsewhere\\B.url"})
         WritePrivateProfileStringA("InternetShortcut", "URL", "http://a/", (folder + name).c_str());
     GetCurrentDirectoryA(sizeof current, current);
     SetCurrentDirectoryA(folder.c_str());  // shortcuts where a careless walk would look
@@ -315,8 +317,19 @@ TEST(FavoritesWalk, WhatCannotBeListedOrDoesNotFitAddsNothing)
     std::string deep = "\\" + std::string(252, 'r');
     walkFavorites(folder.c_str(), deep.c_str(), body);
     EXPECT_EQ(body, deep + "\\A\xFFhttp://a/\r\n");
+    // A junction in Favorites (to C:\\, say) is not walked.
+    body.clear();
+    {
+        FolderLink linked(folder + "\\Linked", folder + "-elsewhere");
+        EXPECT_TRUE(linked.listsAsJunction());
+        walkFavorites(folder.c_str(), "\\", body);
+    }
+    EXPECT_NE(body.find("\\A\xFF"), std::string::npos);
+    EXPECT_EQ(body.find("\\Linked\\"), std::string::npos) << body;
 
     SetCurrentDirectoryA(current);
-    for (const char* name : {"\\A.url", "\\Longer name.url"}) DeleteFileA((folder + name).c_str());
+    for (const char* name : {"\\A.url", "\\Longer name.url", "-elsewhere\\B.url"})
+        DeleteFileA((folder + name).c_str());
     RemoveDirectoryA(folder.c_str());
+    RemoveDirectoryA((folder + "-elsewhere").c_str());
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "FolderLink.h"
 #include "WizardTestSupport.h"
 #include "SetupProcess.h"
 #include "analysis/CloseWindowsPage.h"
@@ -129,6 +130,9 @@ TEST_F(Search, FindsTheProductsCopiesOnEveryFixedDriveOnce)
     place("M:\\.hidden\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
     place("M:\\Deep\\1\\2\\3\\4\\5\\6\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
     place("N:\\TAVRIN.DLL", "payload\\TAVRIN.DLL");
+    // A junction leads to a folder walked anyway: nothing is found through it.
+    FolderLink linked("M:\\Linked", "C:\\tvsearch");
+    ASSERT_TRUE(linked.listsAsJunction());
 
     runWizard(wizard, [&] {
         press(wizard, 1001);

@@ -2,8 +2,10 @@
 // into the setup description, seen from outside as a user's machine sees it.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <vector>
 
+#include "FolderLink.h"
 #include "SetupProcess.h"
 
 namespace {
@@ -58,6 +60,26 @@ void registerServer(const char* server)
     RegCloseKey(key);
 }
 
+// TMP and TEMP (GetTempPathA's sources) for this process and the runs it starts.
+class TemporaryFolderOn {
+public:
+    explicit TemporaryFolderOn(const std::string& folder)
+    {
+        for (int i = 0; i < 2; ++i) {
+            if (!GetEnvironmentVariableA(names[i], saved[i], MAX_PATH)) saved[i][0] = 0;
+            SetEnvironmentVariableA(names[i], folder.c_str());
+        }
+    }
+    ~TemporaryFolderOn()
+    {
+        for (int i = 0; i < 2; ++i) SetEnvironmentVariableA(names[i], saved[i][0] ? saved[i] : nullptr);
+    }
+
+private:
+    const char* const names[2] = {"TMP", "TEMP"};
+    char saved[2][MAX_PATH];
+};
+
 class Extraction : public ::testing::Test {
 protected:
     void SetUp() override
@@ -111,13 +133,19 @@ TEST_F(Extraction, TakenNamesLeadToTheNextNumber)
 {
     ASSERT_TRUE(CreateDirectoryA((tempFolder() + "tavrin").c_str(), nullptr));
     writeFile(tempFolder() + "tavrin1", "a file counts as taken too");
+    // So does a link that leads nowhere, which Wine does not list at all: only
+    // the folder's creation can tell that the name is taken.
+    ASSERT_TRUE(CreateDirectoryA((tempFolder() + "tvgone").c_str(), nullptr));
+    FolderLink dangling(tempFolder() + "tavrin2", tempFolder() + "tvgone");
+    ASSERT_TRUE(dangling.listsAsJunction());
+    ASSERT_TRUE(RemoveDirectoryA((tempFolder() + "tvgone").c_str()));
     setDebugOverride(true);
     SetupProcess setup("/Q");
     ASSERT_TRUE(setup.window("Server Override"));
-    EXPECT_TRUE(exists(tempFolder() + "tavrin2\\setup.ini"));
+    EXPECT_TRUE(exists(tempFolder() + "tavrin3\\setup.ini"));
     answerBox(setup, "Server Override");
     EXPECT_EQ(setup.wait(), 0);
-    EXPECT_FALSE(exists(tempFolder() + "tavrin2"));
+    EXPECT_FALSE(exists(tempFolder() + "tavrin3"));
     EXPECT_TRUE(exists(tempFolder() + "tavrin") && exists(tempFolder() + "tavrin1"));
 }
 
@@ -131,6 +159,26 @@ TEST_F(Extraction, BrokenPayloadsSayCorruptInstallationAndLeaveNothing)
         EXPECT_EQ(setup.wait(), 0);
         EXPECT_TRUE(leftovers().empty()) << leftovers()[0];
         EXPECT_EQ(readFlag(), "0");
+    }
+}
+
+TEST_F(Extraction, FailedWriteSaysCorruptInstallationAndLeavesNothing)
+{
+    // A drive of a few pages that scripts/run-tests.sh mounts where the machine allows it.
+    const char* drive = std::getenv("TAVRIN_SMALL_DRIVE");
+    if (!drive) GTEST_SKIP() << "no small drive (TAVRIN_SMALL_DRIVE) on this machine";
+    emptyFolder(drive);
+    TemporaryFolderOn small(std::string(drive) + "\\");
+    // The product's cabinet fits there and its members do not; the large
+    // variant's cabinet does not fit itself.
+    for (const std::string& program : {setupPath(), variantPath("large")}) {
+        SCOPED_TRACE(program);
+        SetupProcess setup("", program);
+        ASSERT_TRUE(setup.window("Corrupt Installation"));
+        EXPECT_TRUE(leftovers().empty()) << leftovers()[0] << " is left while the user is told";
+        EXPECT_EQ(answerBox(setup, "Corrupt Installation"), "The installation has missing files or is corrupt.");
+        EXPECT_EQ(setup.wait(), 0);
+        EXPECT_TRUE(leftovers().empty()) << leftovers()[0];
     }
 }
 

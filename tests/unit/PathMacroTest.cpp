@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "FolderLink.h"
 #include "UnitFiles.h"
 #include "description/PathHelpers.h"
 #include "wizard/InstallWizard.h"
@@ -70,6 +71,32 @@ TEST(PathHelpers, FoldersAreMadeFoundAndRemoved)
     RemoveDirectoryA(at(".hidden").c_str());
     EXPECT_TRUE(removeTree(base.c_str()));
     EXPECT_FALSE(fileExists(base.c_str(), nullptr));
+}
+
+// A link in the tree, or one handed in as the tree, goes as the link: the
+// folder it leads to keeps what it holds. (Wine 8 cannot remove a link to a
+// folder that holds anything, error 145: that the links go shows on Windows.)
+TEST(PathHelpers, RemovalNeverEntersALink)
+{
+    const std::string base = tempFolder("TavRinTree"), targets = tempFolder("TavRinTargets");
+    for (const char* name : {"\\inside", "\\handed"}) {
+        ASSERT_TRUE(createFolderPath((targets + name).c_str()));
+        ASSERT_TRUE(writeFile(targets + name + "\\keep.txt", name));
+    }
+    ASSERT_TRUE(createFolderPath((base + "\\inner").c_str()));
+    ASSERT_TRUE(writeFile(base + "\\inner\\gone.txt", "x"));
+    {
+        FolderLink inside(base + "\\inner\\link", targets + "\\inside");
+        FolderLink handed(base + " link", targets + "\\handed");
+        ASSERT_TRUE(inside.listsAsJunction() && handed.listsAsJunction());
+        removeTree(base.c_str());
+        removeTree((base + " link").c_str());
+        EXPECT_FALSE(fileExists(base.c_str(), "inner\\gone.txt"));
+        EXPECT_EQ(readFile(targets + "\\inside\\keep.txt"), "\\inside");
+        EXPECT_EQ(readFile(targets + "\\handed\\keep.txt"), "\\handed");
+    }
+    removeTree(base.c_str());
+    removeTree(targets.c_str());
 }
 
 namespace {
