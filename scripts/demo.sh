@@ -24,6 +24,8 @@ gallery="new-account new-account-business fresh-install known-account-update upd
 
 wine_session_start || exit 1
 service_start || exit 1
+# The download folder some roads start SETUP.EXE from (tests/scenarios/CMakeLists.txt).
+export DOWNLOADS=$(winepath -w "$top/build/x64/downloads" 2>/dev/null)
 rm -rf "$demo/shots" "$demo/gallery" "$demo/gallery.html"
 status=0
 for name in $runs; do
