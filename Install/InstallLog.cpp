@@ -3,10 +3,10 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "BoundedText.h"
 #include "DeploymentConfig.h"
 #include "TextBuffer.h"
 #include "description/PathHelpers.h"
-#include "BoundedText.h"
 
 CInstallLog installLog;
 

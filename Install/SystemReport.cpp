@@ -8,8 +8,8 @@
 #include "BoundedText.h"
 #include "InstallLog.h"
 #include "RegistryKey.h"
-#include "description/PathHelpers.h"
 #include "SystemLibraries.h"
+#include "description/PathHelpers.h"
 
 CFileVersionInfo::CFileVersionInfo()
     : module(nullptr), getFileVersionInfoSize(nullptr), getFileVersionInfo(nullptr),

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "BoundedText.h"
 #include "account/FormEncoding.h"
 #include "account/MachineIdentity.h"
-#include "BoundedText.h"
 
 namespace {
 const size_t valueLimit = 555;

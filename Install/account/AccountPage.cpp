@@ -4,11 +4,11 @@
 
 #include "InstallLog.h"
 #include "Program.h"
+#include "SystemLibraries.h"
 #include "account/FavoritesImport.h"
 #include "resources/resource.h"
 #include "wizard/InstallWizard.h"
 #include "wizard/Painting.h"
-#include "SystemLibraries.h"
 
 namespace {
 const int tileWidth = 86, tileHeight = 20;

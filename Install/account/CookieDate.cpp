@@ -1,6 +1,7 @@
 #include "account/CookieDate.h"
 
 #include <cstdio>
+
 #include "BoundedText.h"
 
 void formatCookieDate(const SYSTEMTIME& time, char* out, size_t size)

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "InstallLog.h"
+#include "SystemLibraries.h"
 #include "account/InternetErrorText.h"
 #include "wizard/InstallDialog.h"
-#include "SystemLibraries.h"
 
 CEventHandle::~CEventHandle()
 {

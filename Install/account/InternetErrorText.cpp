@@ -3,6 +3,7 @@
 #include <wininet.h>
 
 #include <cstdio>
+
 #include "BoundedText.h"
 #include "SystemLibraries.h"
 

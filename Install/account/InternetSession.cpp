@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "InstallLog.h"
+#include "SystemLibraries.h"
 #include "account/HttpRequest.h"
 #include "engine/ComponentRegistration.h"
-#include "SystemLibraries.h"
 
 HINTERNET internetSession = nullptr;
 

@@ -1,10 +1,10 @@
 #include "account/MachineIdentity.h"
 
-#include "SystemLibraries.h"
-
 #include <cstdio>
 #include <cstring>
+
 #include "BoundedText.h"
+#include "SystemLibraries.h"
 
 CNetbiosLibrary::CNetbiosLibrary() : module(loadSystemLibrary("netapi32.dll")), netbios(nullptr)
 {

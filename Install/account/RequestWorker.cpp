@@ -6,9 +6,9 @@
 
 #include "BoundedText.h"
 #include "InstallLog.h"
+#include "SystemLibraries.h"
 #include "account/HttpRequest.h"
 #include "account/InternetSession.h"
-#include "SystemLibraries.h"
 
 namespace {
 // A connection that keeps being reset after a good send would otherwise be

@@ -4,8 +4,8 @@
 
 #include "BoundedText.h"
 #include "InstallLog.h"
-#include "description/PathHelpers.h"
 #include "SystemLibraries.h"
+#include "description/PathHelpers.h"
 
 namespace {
 UINT CALLBACK cabinetCallback(PVOID context, UINT notification, UINT_PTR param1, UINT_PTR)

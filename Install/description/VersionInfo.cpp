@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "BoundedText.h"
+#include "SystemLibraries.h"
 #include "description/InstallSettings.h"
 #include "description/PathHelpers.h"
-#include "SystemLibraries.h"
 
 namespace {
 // The version resource of `path`, empty when it has none.

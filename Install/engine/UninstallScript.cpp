@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "BoundedText.h"
 #include "description/PathHelpers.h"
 #include "wizard/InstallWizard.h"
-#include "BoundedText.h"
 
 namespace {
 void addLine(std::string& script, const std::string& line)

@@ -5,14 +5,14 @@
 
 #include "BoundedText.h"
 #include "Program.h"
+#include "SystemLibraries.h"
 #include "analysis/InstallExtract.h"
 #include "analysis/RequirementChecks.h"
 #include "description/PathHelpers.h"
+#include "engine/InstallCopyPage.h"
 #include "resources/resource.h"
 #include "wizard/InstallPage.h"
-#include "engine/InstallCopyPage.h"
 #include "wizard/Painting.h"
-#include "SystemLibraries.h"
 
 CInstallWizard::CInstallWizard(bool quietRun) : quiet(quietRun) { systemDll::InitCommonControls(); }
 

@@ -7,9 +7,6 @@
 
 #include "BoundedText.h"
 #include "Program.h"
-#include "description/PathHelpers.h"
-#include "resources/resource.h"
-#include "wizard/InstallWizard.h"
 #include "account/AccountChoicePage.h"
 #include "account/AccountPage.h"
 #include "account/ConfirmPage.h"
@@ -17,8 +14,11 @@
 #include "account/LoginPage.h"
 #include "analysis/CloseWindowsPage.h"
 #include "analysis/ComponentSearch.h"
+#include "description/PathHelpers.h"
 #include "engine/FinishPages.h"
 #include "engine/InstallCopyPage.h"
+#include "resources/resource.h"
+#include "wizard/InstallWizard.h"
 
 INT_PTR CInstallAgreementPage::onInitDialog()
 {
