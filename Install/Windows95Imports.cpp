@@ -1,6 +1,6 @@
 // The compiler's runtime (the locks of its exception unwinder and thread-local
 // storage) creates its semaphores with CreateSemaphoreW. Windows 95, 98 and ME
-// have that function only as a stub that returns NULL, so every such lock would
+// export that function but answer NULL from it, so every such lock would
 // run without its semaphore there. The runtime's import is answered here
 // instead, with the ANSI call that every named Windows has: the linker takes
 // this pointer for the import and SETUP.EXE does not import CreateSemaphoreW.

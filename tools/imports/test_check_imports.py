@@ -42,7 +42,7 @@ class ImportCheck(unittest.TestCase):
 
     def test_the_allowed_list_names_a_source_for_each_function(self):
         sources = {source for names in self.allowed.values() for source in names.values()}
-        self.assertEqual(sources, {"sdk", "sdk-nt", "stub-w", "crt"})
+        self.assertEqual(sources, {"sdk", "sdk-nt", "nt-w", "crt"})
         self.assertNotIn("wininet.dll", self.allowed)
 
 
