@@ -1,7 +1,8 @@
 # make build   both architectures: build/x64/SETUP.EXE and build/i686/SETUP.EXE
 # make test    installs what is missing, builds, runs every test under Wine
+# make mutants puts each fault of scripts/mutants/faults.txt into a copy and runs the tests
 # make demo    shows the program on $DISPLAY, or on a virtual display with a screenshot
-.PHONY: all deps build test demo clean bench
+.PHONY: all deps build test demo clean bench mutants
 
 BUILD_TYPE ?= MinSizeRel
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
@@ -34,3 +35,6 @@ clean:
 
 bench: build
 	scripts/run-bench.sh
+
+mutants: build
+	scripts/mutants/replay.py
