@@ -16,11 +16,11 @@ demo=$top/build/demo
 driver=$top/build/x64/tools/driver.exe
 scenarios=$top/tests/scenarios
 # In the order they run: each pair or chain leaves the machine to the next.
-runs="fresh-install update new-account known-account-update uninstall copy-fails signup-service-gone new-account-business"
+runs="fresh-install update new-account known-account-update uninstall copy-fails signup-interrupted new-account-business"
 # In the order of the gallery: the roads of a first install (a new account,
 # personal or business, or none), the update, the uninstall, the failing file
 # pass, and a fault the new account survives.
-gallery="new-account new-account-business fresh-install known-account-update update uninstall copy-fails signup-service-gone"
+gallery="new-account new-account-business fresh-install known-account-update update uninstall copy-fails signup-interrupted"
 
 wine_session_start || exit 1
 service_start || exit 1

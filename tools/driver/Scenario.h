@@ -13,6 +13,8 @@
 //     (the TavRin service in test mode at TAVRIN_SERVICE_URL: GET, or POST of a form)
 //   forget-account                    expect-cookie <url> <text>
 //   unique <VARIABLE> <prefix>        a name no earlier run took, e.g. for an account
+//   clean-machine                     no product, no leftovers of a run, no account
+//   use-service                       the wizard told to use TAVRIN_SERVICE_URL
 // With a shots folder, `shot <name>` pictures the screen, and so does every `box`
 // step before it answers.
 namespace scenario {

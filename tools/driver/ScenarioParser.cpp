@@ -25,6 +25,28 @@ const Grammar grammar[] = {
     {"expect-service", "wT"},
 };
 
+// Steps that stand for several, one line in a scenario for what most begin with.
+struct Composite {
+    const char* verb;
+    std::vector<const char*> steps;
+};
+const Composite composites[] = {
+    // A machine that never had the product, nor what a run ended by force
+    // leaves (its run-in-progress flag, its extraction folder), nor an account.
+    {"clean-machine",
+     {"delete-tree C:\\Program Files\\TavRin", "reg-delete HKCR\\CLSID\\{16C7C243-7FA0-11D3-A0E4-0A02B9000000}",
+      "reg-delete HKCR\\CLSID\\{16C7C244-7FA0-11D3-A0E4-0A02B9000000}",
+      "reg-delete HKCR\\CLSID\\{16C7C245-7FA0-11D3-A0E4-0A02B9000000}",
+      "reg-delete HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin",
+      "reg-delete HKCU\\SOFTWARE\\Tavrin", "delete-tree %TEMP%\\tavrin", "forget-account"}},
+    // The program talks to the service named in the development override.
+    {"use-service",
+     {"reg-set HKCU\\SOFTWARE\\Tavrin\\Debug RegoServer "
+      "%TAVRIN_SERVICE_URL%/servlet/bookmarks.servlet.install.registrationServlet",
+      "reg-set HKCU\\SOFTWARE\\Tavrin\\Debug ImportServer "
+      "%TAVRIN_SERVICE_URL%/servlet/bookmarks.servlet.install.ImportServlet"}},
+};
+
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
 // Exit codes may be written negative (-1 for 0xFFFFFFFF); ids, rows and times not.
@@ -130,14 +152,19 @@ std::vector<Step> parseScenario(const std::string& text, std::string& error)
         size_t first = line.find_first_not_of(" \t\r");
         if (first == std::string::npos || line[first] == '#') continue;
         size_t last = line.find_last_not_of(" \t\r");
-        Step step;
-        step.line = number;
-        step.source = line.substr(first, last - first + 1);
-        if (!parseLine(step.source, step, error)) {
-            error = "line " + std::to_string(number) + ": " + error;
-            return {};
+        std::vector<std::string> sources = {line.substr(first, last - first + 1)};
+        for (const Composite& composite : composites)
+            if (sources[0] == composite.verb) sources.assign(composite.steps.begin(), composite.steps.end());
+        for (const std::string& source : sources) {
+            Step step;
+            step.line = number;
+            step.source = source;
+            if (!parseLine(step.source, step, error)) {
+                error = "line " + std::to_string(number) + ": " + error;
+                return {};
+            }
+            steps.push_back(step);
         }
-        steps.push_back(step);
     }
     if (steps.empty()) error = "no steps";
     return steps;
