@@ -13,22 +13,24 @@ deps:
 	@scripts/install-deps.sh
 
 build/x64/CMakeCache.txt:
-	cmake -S . -B build/x64 -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-x86_64.cmake \
+	@echo "Configuring build/x64"
+	@cmake -S . -B build/x64 -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-x86_64.cmake \
 	  -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DTAVRIN_TESTS=ON >/dev/null
 
 build/i686/CMakeCache.txt:
-	cmake -S . -B build/i686 -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-i686.cmake \
+	@echo "Configuring build/i686"
+	@cmake -S . -B build/i686 -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-i686.cmake \
 	  -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) >/dev/null
 
 build: deps build/x64/CMakeCache.txt build/i686/CMakeCache.txt
-	cmake --build build/x64 -j$(JOBS)
-	cmake --build build/i686 -j$(JOBS)
+	@scripts/build.sh x64 $(JOBS)
+	@scripts/build.sh i686 $(JOBS)
 
 test: build
-	scripts/run-tests.sh
+	@scripts/run-tests.sh
 
 demo: build
-	scripts/demo.sh
+	@scripts/demo.sh
 
 clean:
 	rm -rf build
