@@ -16,8 +16,21 @@
 # The program is Install/WinMain.cpp (and Windows95Imports.cpp) linked with setupcore and the resources, a
 # Windows GUI program written to <dir>/<file name> (default: the top of the
 # build tree). It is made again when a member, or the raw cabinet, changes.
+#
+#   sign_setup_program(<target>)
+#
+# Signs the linked program in place with osslsigncode, as the last step of its
+# build (the cabinet is in it by then), when the cache variables name a
+# certificate and its key: TAVRIN_SIGN_CERT, TAVRIN_SIGN_KEY, and for a key
+# with a password TAVRIN_SIGN_PASSWORD_FILE (a file holding it, so that the
+# password is in neither the cache nor a command line). Without them the
+# program stays unsigned.
 
 find_program(GCAB_EXECUTABLE gcab REQUIRED)
+
+set(TAVRIN_SIGN_CERT "" CACHE FILEPATH "Code-signing certificate (PEM or DER) for SETUP.EXE; empty: unsigned")
+set(TAVRIN_SIGN_KEY "" CACHE FILEPATH "Private key of TAVRIN_SIGN_CERT")
+set(TAVRIN_SIGN_PASSWORD_FILE "" CACHE FILEPATH "File holding the password of TAVRIN_SIGN_KEY; empty: none")
 
 function(add_setup_program)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "TARGET;OUTPUT;OUTPUT_DIRECTORY;RAW_CABINET" "MEMBERS")
@@ -106,4 +119,34 @@ function(add_setup_program)
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME "${name}" SUFFIX "${suffix}"
     RUNTIME_OUTPUT_DIRECTORY ${arg_OUTPUT_DIRECTORY})
+endfunction()
+
+function(sign_setup_program target)
+  if(NOT TAVRIN_SIGN_CERT AND NOT TAVRIN_SIGN_KEY)
+    return()
+  endif()
+  if(NOT TAVRIN_SIGN_CERT OR NOT TAVRIN_SIGN_KEY)
+    message(FATAL_ERROR "Signing needs both TAVRIN_SIGN_CERT and TAVRIN_SIGN_KEY")
+  endif()
+  foreach(file IN ITEMS "${TAVRIN_SIGN_CERT}" "${TAVRIN_SIGN_KEY}" "${TAVRIN_SIGN_PASSWORD_FILE}")
+    if(file AND NOT EXISTS "${file}")
+      message(FATAL_ERROR "Signing: ${file} does not exist")
+    endif()
+  endforeach()
+  find_program(OSSLSIGNCODE_EXECUTABLE osslsigncode REQUIRED)
+  set(password)
+  if(TAVRIN_SIGN_PASSWORD_FILE)
+    set(password -readpass ${TAVRIN_SIGN_PASSWORD_FILE})
+  endif()
+  # osslsigncode writes no file that exists already, and never in place.
+  set(program $<TARGET_FILE:${target}>)
+  get_target_property(name ${target} OUTPUT_NAME)
+  get_target_property(suffix ${target} SUFFIX)
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E rm -f ${program}.signed
+    COMMAND ${OSSLSIGNCODE_EXECUTABLE} sign -certs ${TAVRIN_SIGN_CERT} -key ${TAVRIN_SIGN_KEY} ${password}
+            -n "TavRin Personal Setup" -i http://${TAVRIN_WEB_HOST}/ -in ${program} -out ${program}.signed
+    COMMAND ${CMAKE_COMMAND} -E rename ${program}.signed ${program}
+    COMMENT "Signing ${name}${suffix}"
+    VERBATIM)
 endfunction()

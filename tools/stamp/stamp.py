@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Makes a partner's copy of SETUP.EXE: a copy of the program with the partner's
-trailer appended. The program file given is only read, never changed.
+trailer at its end. The program file given is only read, never changed.
 
   stamp.py SETUP.EXE -o SETUP_partner.EXE --partner-a 1201 --partner-b 7 \\
            --label "Partner Name" --link http://www.partner.example/ --logo logo.bmp
@@ -15,6 +15,16 @@ opens the link on a click on it, and sends the two numbers to the service in a
 cookie. It cuts a label longer than 255 bytes and a link longer than 1023; this
 tool refuses them, and a logo that the program could not load or that would not
 fit the frame's corner (200 x 32 pixels).
+
+A signed program (its certificate table, data directory entry 4, is not empty)
+keeps its signature: the certificate table is the last thing in the file and is
+left out of the signed hash, so the trailer goes into it. The table grows by
+zero bytes up to an 8-byte boundary and the trailer behind them (the marker
+still ends the file); the directory entry's size and the length of the table's
+last WIN_CERTIFICATE header grow with it, and a nonzero CheckSum in the optional
+header is computed again. A signed program whose certificate table does not end
+the file, or whose certificates' lengths do not add up to the table, is refused.
+An unsigned program gets the trailer appended.
 """
 import argparse
 import os
@@ -156,6 +166,54 @@ def read_trailer(data):
     return {"partner_a": a, "partner_b": b, "label": label, "link": link, "extra": extra, "logo": logo}
 
 
+def pe_checksum(data, field):
+    """The optional header's CheckSum of `data`, the field at `field` counted as zero."""
+    words = data[:field] + bytes(4) + data[field + 4:] + bytes(len(data) % 2)
+    total = sum(struct.unpack(f"<{len(words) // 2}H", words))
+    while total > 0xFFFF:  # 16-bit sum with the carries added back in
+        total = (total & 0xFFFF) + (total >> 16)
+    return total + len(data)
+
+
+def certificate_table(program, source):
+    """For a signed program: the offsets of its certificate table's directory
+    entry, of the table's last WIN_CERTIFICATE header and of the optional
+    header's CheckSum. None for a program without a certificate table."""
+    size = len(program)
+    header = struct.unpack_from("<I", program, 0x3C)[0] if size >= 0x40 else size
+    if header > size - 24 or program[header:header + 4] != b"PE\0\0":
+        return None  # no PE header: nothing in it is signed
+    optional = header + 24
+    optional_end = optional + struct.unpack_from("<H", program, header + 20)[0]
+    if optional_end > size or optional_end < optional + 2:
+        raise StampError(f"{source} is cut short in its PE header")
+    magic = struct.unpack_from("<H", program, optional)[0]
+    if magic not in (0x10B, 0x20B):
+        raise StampError(f"{source} has an optional header of unknown kind ({magic:#x})")
+    directories = optional + (96 if magic == 0x10B else 112)
+    entry = directories + 4 * 8
+    if entry + 8 > optional_end or struct.unpack_from("<I", program, directories - 4)[0] < 5:
+        return None  # no certificate table entry
+    start, length = struct.unpack_from("<II", program, entry)
+    if start == 0 and length == 0:
+        return None
+    if start < optional_end or start + length != size:
+        raise StampError(f"{source} is signed, but its certificate table ({length} bytes at {start}) "
+                         f"does not end the file ({size} bytes); stamp a program as the signing tool wrote it")
+    position = last = start
+    while position < size:
+        last = position
+        certificate = struct.unpack_from("<I", program, position)[0] if size - position >= 8 else 0
+        if not 8 <= certificate <= size - position:
+            raise StampError(f"{source} is signed, but the certificate at {position} gives a length "
+                             f"({certificate}) that does not fit its table")
+        position += (certificate + 7) // 8 * 8
+    if position != size or length == 0:
+        raise StampError(f"{source} is signed, but its certificates' lengths do not add up to its "
+                         f"certificate table ({length} bytes)")
+    return entry, last, optional + 64
+
+
 def stamp(source, output, partner_a, partner_b, label="", link="", logo=None, extra=0):
     a = number("partner number A", str(partner_a))
     b = number("partner number B", str(partner_b))
@@ -175,7 +233,20 @@ def stamp(source, output, partner_a, partner_b, label="", link="", logo=None, ex
         raise StampError(f"{source} is a partner's copy already; stamp the plain program")
     if os.path.exists(output) and os.path.samefile(source, output):
         raise StampError("the output would overwrite the program itself; name another file")
-    stamped = program + trailer(a, b, label_bytes, link_bytes, logo_bytes, number("extra word", str(extra)))
+    block = trailer(a, b, label_bytes, link_bytes, logo_bytes, number("extra word", str(extra)))
+    signature = certificate_table(program, source)
+    if signature is None:
+        stamped = program + block
+    else:
+        # The signed hash stops at the certificate table: growing it keeps the signature.
+        # The table's length is a multiple of 8 (its certificates' rounded lengths add up to it).
+        entry, last, checksum = signature
+        stamped = bytearray(program + bytes(-len(block) % 8) + block)
+        table = struct.unpack_from("<I", program, entry)[0]
+        struct.pack_into("<I", stamped, entry + 4, len(stamped) - table)
+        struct.pack_into("<I", stamped, last, len(stamped) - last)
+        if struct.unpack_from("<I", program, checksum)[0]:
+            struct.pack_into("<I", stamped, checksum, pe_checksum(stamped, checksum))
     if len(stamped) < SEARCH_SPAN:
         raise StampError(f"{source} is too small to be SETUP.EXE (the program looks for no trailer "
                          f"in a file under {SEARCH_SPAN} bytes)")

@@ -1,6 +1,7 @@
 """The stamping tool: a partner's copy is the program and the trailer, and the
-program itself stays as it was; bad input is refused with a message and writes
-nothing. (The program's reading of the trailer is tested under Wine.)"""
+program itself stays as it was; a signed program's copy stays signed; bad input
+is refused with a message and writes nothing. (The program's reading of the
+trailer is tested under Wine.)"""
 import contextlib
 import io
 import os
@@ -12,6 +13,8 @@ import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import stamp  # noqa: E402
+
+BUILT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "build", "x64", "SETUP.EXE")
 
 
 def bitmap(width=4, height=2, bits=24, cut=0):
@@ -98,6 +101,38 @@ class Stamp(unittest.TestCase):
                 result, said = self.run_tool(*good, "-o", self.program, program=program)
                 self.assertEqual((result, message in said), (1, True), said)
                 self.assertEqual(self.read(program), original)
+
+    def test_signed_program_stays_signed_in_its_copy(self):
+        if not os.path.exists(BUILT):
+            self.skipTest("no build/x64/SETUP.EXE to sign (make build)")
+        cert, key, signed = (os.path.join(self.folder.name, name) for name in ("t.crt", "t.key", "signed.exe"))
+        for command in (["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
+                         "/CN=Stamp test", "-addext", "extendedKeyUsage=codeSigning", "-keyout", key, "-out", cert],
+                        ["osslsigncode", "sign", "-certs", cert, "-key", key, "-in", BUILT, "-out", signed]):
+            subprocess.run(command, check=True, capture_output=True)
+
+        def verify(data):
+            checked = self.write("checked.exe", data)
+            done = subprocess.run(["osslsigncode", "verify", "-CAfile", cert, "-in", checked],
+                                  capture_output=True, text=True)
+            return done.returncode == 0 and "invalid PE checksum" not in done.stdout, done.stdout
+
+        self.assertEqual(self.run_tool("--partner-a", "9", "--partner-b", "3", "--label", "Signed",
+                                       program=signed), (0, ""))
+        program, copy = self.read(signed), self.read(self.output)
+        self.assertEqual((verify(program)[0], verify(copy)[0]), (True, True), verify(copy)[1])
+        self.assertEqual(stamp.read_trailer(copy)["label"], b"Signed")
+        damaged = bytearray(copy)
+        damaged[struct.unpack_from("<I", copy, copy.index(b".text\0\0\0") + 20)[0] + 100] ^= 1
+        self.assertIn("MISMATCH", verify(damaged)[1])
+        # The table must end the file, and its certificate's length fit it. Its
+        # place: data directory entry 4 of the x64 program's (PE32+) optional header.
+        table = struct.unpack_from("<I", program, struct.unpack_from("<I", program, 0x3C)[0] + 24 + 112 + 32)[0]
+        for bad, message in [(copy, "is a partner's copy already"), (program + b"\0", "does not end the file"),
+                             (program[:table] + b"\xff" + program[table + 1:], "does not fit its table")]:
+            with self.subTest(message=message):
+                result, said = self.run_tool("--partner-a", "1", "--partner-b", "2", program=self.write("bad.exe", bad))
+                self.assertEqual((result, message in said), (1, True), said)
 
 
 if __name__ == "__main__":
