@@ -16,19 +16,24 @@ XVFB_PID=""
 
 wine_quiet() { wine "$@" </dev/null >/dev/null 2>&1; }
 
+# Xvfb picks a free display itself and writes its number once it listens: two
+# sessions started at once never share one.
 start_xvfb() {
-  local n
-  for n in $(seq 91 140); do
-    [ -e /tmp/.X11-unix/X$n ] || [ -e /tmp/.X$n-lock ] && continue
-    Xvfb :$n -screen 0 1024x768x24 -nolisten tcp </dev/null >/dev/null 2>&1 &
-    XVFB_PID=$!
-    for _ in $(seq 1 50); do
-      [ -e /tmp/.X11-unix/X$n ] && { export DISPLAY=:$n; return 0; }
-      kill -0 $XVFB_PID 2>/dev/null || break
-      sleep 0.1
-    done
-    kill $XVFB_PID 2>/dev/null; XVFB_PID=""
+  local number
+  number=$(mktemp)
+  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$number" </dev/null >/dev/null 2>&1 &
+  XVFB_PID=$!
+  for _ in $(seq 1 100); do
+    if [ -s "$number" ]; then
+      export DISPLAY=:$(tr -d '[:space:]' <"$number")
+      rm -f "$number"
+      return 0
+    fi
+    kill -0 $XVFB_PID 2>/dev/null || break
+    sleep 0.1
   done
+  rm -f "$number"
+  kill $XVFB_PID 2>/dev/null; XVFB_PID=""
   echo "could not start Xvfb" >&2; return 1
 }
 
