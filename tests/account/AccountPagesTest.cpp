@@ -1,6 +1,5 @@
-// The account pages in this process against the reference service: the real
-// frame and pages run here while a second thread acts as the user. The form
-// pages stand in as one plain page; the details are set as they would leave them.
+// The account pages run here against the reference service, a second thread acting as the
+// user. One plain page stands in for the forms; the details are set as they would leave them.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -64,18 +63,17 @@ TEST(AccountPages, FailuresSendTheUserBackAndCancelWaitsForTheWork)
     wizard.addPage(118, new CInstallConfirmPage);
     wizard.addPage(101, new CInstallPage(IDD_PAGE_READY));  // what follows the account pages
 
-    auto on = [&](int id) { return shownPage(wizard, id) != nullptr; };
     auto status = [&](const char* text) {
-        return eventually([&] { return uidriver::controlText(progress->hwnd, IDC_ACCOUNT_STATUS) == text; });
+        return eventually([&] { return uidriver::controlText(progress->hwnd, IDC_ACCOUNT_STATUS) == text; }, 300);
     };
     // From page 117 with its choice made, over the agreement and the forms on to page 116.
     auto toTheWork = [&] {
         press(wizard, IDC_WIZARD_NEXT);
-        ASSERT_TRUE(on(110));
+        ASSERT_TRUE(shownPage(wizard, 110));
         PostMessageA(GetDlgItem(wizard.findPage(110)->hwnd, IDC_AGREEMENT_ACCEPT), BM_CLICK, 0, 0);
-        ASSERT_TRUE(eventually([&] { return enabled(wizard, IDC_WIZARD_NEXT); }));
+        ASSERT_TRUE(eventually([&] { return nextEnabled(wizard); }));
         press(wizard, IDC_WIZARD_NEXT);
-        ASSERT_TRUE(on(114));
+        ASSERT_TRUE(shownPage(wizard, 114));
         press(wizard, IDC_WIZARD_NEXT);
     };
     static const CConnectionCalls offline = {[](DWORD* flags) -> BOOL { return *flags = 0, FALSE; },
@@ -86,12 +84,12 @@ TEST(AccountPages, FailuresSendTheUserBackAndCancelWaitsForTheWork)
         // No connection: by way of the welcome page back to the choice, the flags kept.
         progress->connection = &offline;
         press(wizard, IDC_WIZARD_NEXT);
-        ASSERT_TRUE(on(117));
-        ASSERT_TRUE(eventually([&] { return !enabled(wizard, IDC_WIZARD_NEXT); })) << "Next waits for a choice";
+        ASSERT_TRUE(shownPage(wizard, 117));
+        ASSERT_TRUE(eventually([&] { return !nextEnabled(wizard); })) << "Next waits for a choice";
         PostMessageA(GetDlgItem(wizard.findPage(117)->hwnd, IDC_CHOICE_NEW), BM_CLICK, 0, 0);
         toTheWork();
         EXPECT_EQ(answer("Error Registering", IDOK), "Could not connect to internet");
-        ASSERT_TRUE(on(117));
+        ASSERT_TRUE(shownPage(wizard, 117));
         EXPECT_EQ(wizard.settings.createAccount + wizard.settings.importRequested, 2);
 
         // A slow check and a refused sign-up: Back does nothing while the work runs.
@@ -100,12 +98,12 @@ TEST(AccountPages, FailuresSendTheUserBackAndCancelWaitsForTheWork)
         addFault("path=/servlet/bookmarks.servlet.install.registrationServlet&status=409&"
                  "body=That+user+name+is+taken%0d%0a");
         toTheWork();
-        ASSERT_TRUE(on(116) && status("Validating User Information..."));
+        ASSERT_TRUE(shownPage(wizard, 116) && status("Validating User Information..."));
         press(wizard, IDC_WIZARD_BACK);
         Sleep(500);
         EXPECT_TRUE(onPage(wizard, 116));
         ASSERT_TRUE(status("Error Registering User.."));
-        ASSERT_TRUE(on(117)) << "a refused sign-up leads to the choice";
+        ASSERT_TRUE(shownPage(wizard, 117)) << "a refused sign-up leads to the choice";
 
         // The import slow and refused: Yes to Cancel ends the frame only once the work is done.
         addFault("path=" + importPath + "&delay_ms=1500&status=500&body=Import+is+closed");
@@ -115,7 +113,7 @@ TEST(AccountPages, FailuresSendTheUserBackAndCancelWaitsForTheWork)
         EXPECT_EQ(answer("Abort Install", IDYES), "Are you sure you want to cancel this installation?");
         Sleep(300);
         EXPECT_TRUE(IsWindow(wizard.hwnd)) << "the frame went before the work";
-        EXPECT_TRUE(eventually([&] { return !IsWindow(wizard.hwnd); }));
+        EXPECT_TRUE(eventually([&] { return !IsWindow(wizard.hwnd); }, 300));
     });
     EXPECT_EQ(wizard.cancelled, 1);
     EXPECT_TRUE(onPage(wizard, 118)) << "a refused import holds nothing back";

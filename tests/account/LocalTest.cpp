@@ -1,7 +1,6 @@
-// The account's bytes without the service: the form on the wire, its time
-// zone, the cookie texts of a sign-up, the cookie store's lookup, the offline
-// roads Wine never takes, and the walk of the Favorites. (Cookie dates: the
-// fuzz tests, against a reckoning of their own.)
+// Without the service: the form on the wire, its time zone, a sign-up's cookie
+// texts, the cookie store's lookup, the offline roads Wine never takes, and the
+// walk of the Favorites. (Cookie dates: the fuzz tests, with a reckoning of their own.)
 #include <gtest/gtest.h>
 
 #include <wininet.h>

@@ -27,8 +27,8 @@ inline BOOL CALLBACK answerLeftBox(HWND window, LPARAM frame)
 }
 
 // Runs the frame here and `user` on a second thread; the frame is cancelled at
-// the end if the user left it open.
-inline void runWizard(CInstallWizard& wizard, const std::function<void()>& user)
+// the end if the user left it open. The frame's result.
+inline INT_PTR runWizard(CInstallWizard& wizard, const std::function<void()>& user)
 {
     CTestThread thread([&] {
         HWND frame = nullptr;
@@ -43,30 +43,33 @@ inline void runWizard(CInstallWizard& wizard, const std::function<void()>& user)
             if (HWND question = uidriver::waitForWindow(box, 5000)) uidriver::pressButton(question, IDYES);
         }
     });
-    wizard.showFrame();
+    INT_PTR result = wizard.showFrame();
     thread.join();
+    return result;
 }
 
 // Polls until the condition holds (the frame moves through posted messages).
-inline bool eventually(const std::function<bool()>& condition, int tries = 300)
+inline bool eventually(const std::function<bool()>& condition, int tries = 100)
 {
     for (int i = 0; i < tries; ++i, Sleep(30))
         if (condition()) return true;
     return false;
 }
-
 inline bool onPage(CInstallWizard& w, int id) { return w.currentPage < int(w.pages.size()) && w.pages[w.currentPage]->id == id; }
 
-// The page is the current one and its window stands on the screen.
+// The page is the current one and stands on the screen (its window comes after).
+inline bool shown(CInstallWizard& wizard, int id)
+{
+    HWND page = onPage(wizard, id) ? wizard.pages[wizard.currentPage]->hwnd : nullptr;
+    return page && IsWindowVisible(page);
+}
 inline HWND shownPage(CInstallWizard& wizard, int id)
 {
-    HWND page = nullptr;
-    eventually([&] { return onPage(wizard, id) && (page = wizard.findPage(id)->hwnd) && IsWindowVisible(page); });
-    return page;
+    return eventually([&] { return shown(wizard, id); }, 300) ? wizard.findPage(id)->hwnd : nullptr;
 }
 
 // Presses a button of the frame (Back 1000, Next 1001, Cancel).
 inline void press(CInstallWizard& wizard, int id) { PostMessageA(wizard.hwnd, WM_COMMAND, id, 0); }
-inline bool enabled(CInstallWizard& wizard, int id) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, id)) != FALSE; }
+inline bool nextEnabled(CInstallWizard& wizard) { return IsWindowEnabled(GetDlgItem(wizard.hwnd, 1001)) != FALSE; }
 
 }  // namespace wizardtest
