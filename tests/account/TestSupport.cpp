@@ -8,17 +8,6 @@
 #include "UiDriver.h"
 #include "resources/resource.h"
 
-std::string serviceUrl()
-{
-    const char* url = std::getenv("TAVRIN_SERVICE_URL");
-    return url ? url : "";
-}
-
-std::string registrationUrl()
-{
-    return serviceUrl() + "/servlet/bookmarks.servlet.install.registrationServlet";
-}
-
 std::string serviceCall(const std::string& path, const char* form)
 {
     const DWORD flags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_NO_COOKIES;
@@ -115,34 +104,4 @@ std::vector<std::string> CBoxAnswerer::stop()
     stopping = true;
     if (thread.joinable()) thread.join();
     return seen;
-}
-
-std::string runSelf(const std::string& arguments, DWORD* exitCode)
-{
-    char self[MAX_PATH];
-    GetModuleFileNameA(nullptr, self, sizeof self);
-    std::string command = std::string("\"") + self + "\" " + arguments, output;
-    SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
-    HANDLE readEnd, writeEnd;
-    CreatePipe(&readEnd, &writeEnd, &inherit, 0);
-    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-    STARTUPINFOA start = {};
-    start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = start.hStdError = writeEnd;
-    PROCESS_INFORMATION process = {};
-    BOOL started = CreateProcessA(nullptr, &command[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                  &start, &process);
-    CloseHandle(writeEnd);
-    char piece[512];
-    DWORD got = 0;
-    while (started && ReadFile(readEnd, piece, sizeof piece, &got, nullptr) && got) output.append(piece, got);
-    if (started) {
-        WaitForSingleObject(process.hProcess, INFINITE);
-        if (exitCode) GetExitCodeProcess(process.hProcess, exitCode);
-        CloseHandle(process.hProcess);
-        CloseHandle(process.hThread);
-    }
-    CloseHandle(readEnd);
-    return output;
 }

@@ -2,14 +2,16 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <string>
-#include "TestThread.h"
 #include <utility>
 #include <vector>
 
+#include "TestThread.h"
+
 // The reference service: TAVRIN_SERVICE_URL, e.g. http://127.0.0.1:8123.
-std::string serviceUrl();
-std::string registrationUrl();
+inline std::string serviceUrl() { return getenv("TAVRIN_SERVICE_URL") ? getenv("TAVRIN_SERVICE_URL") : ""; }
+inline std::string registrationUrl() { return serviceUrl() + "/servlet/bookmarks.servlet.install.registrationServlet"; }
 // A request of the test's own, beside the program's, with no cookies: a GET,
 // or a POST of `form`. The reply's body.
 std::string serviceCall(const std::string& path, const char* form = nullptr);
@@ -41,6 +43,3 @@ private:
     std::vector<std::string> seen;
     CTestThread thread;
 };
-
-// This test program again, as a later process; its standard output.
-std::string runSelf(const std::string& arguments, DWORD* exitCode = nullptr);
