@@ -26,7 +26,7 @@ TEST(CloseWindows, ListsTheScanSortedNextClosesWhatTheLastScanFoundSkipNothing)
     wizard.addPage(100, new CInstallPage(116));
     wizard.addPage(101, page);
     wizard.addPage(104, new CInstallPage(116));
-    auto rows = [&](int id, std::vector<std::string> expected) {  // the list box's rows, or the closed windows
+    auto rows = [&](int id, std::vector<std::string> expected) {  // on 101 the rows shown, else the windows closed
         return eventually([&] {
             std::vector<std::string> lines;
             std::string text = readFile(record);

@@ -9,8 +9,8 @@
 
 #include "DeploymentConfig.h"
 #include "FolderLink.h"
-#include "TestThread.h"
 #include "InstallLog.h"
+#include "TestThread.h"
 #include "UnitFiles.h"
 #include "analysis/CabinetFile.h"
 #include "description/PathHelpers.h"

@@ -100,7 +100,7 @@ TEST_F(RegistryTest, RequirementEntriesThatPassAlsoPassTogether)
     EXPECT_EQ(0, boxesShown);
 }
 
-TEST(RestartScript, ReaderTakesTheFourCommandsInOrderAndWhatTheWriterWrites)
+TEST(RestartScript, ReaderTakesFourCommandsWriterAndRunOnceValueUseShortForms)
 {
     EXPECT_EQ("D|C:\\Program Files\\TavRin|\nS|C:\\Temp\\TavRin Setup|\nC|C:\\Temp\\a.dll|C:\\Program Files\\a.dll\n"
               "R|C:\\Program Files\\a.dll|\nR||\nC||target only\nC|x|y z\n",

@@ -132,9 +132,9 @@ TEST_F(Branding, WhereTheMarkerMayStandAndLengthsThatDoNotFit)
 
     const struct { std::string file; const char* what; } plainRuns[] = {
         {filler(5000) + block + "--tvd--", "marker bytes behind the trailer, whose \"trailer\" does not fit"},
-        {filler(100) + trailer("P", "l", "b", -1, -1, 5000), "block longer than the file"},
+        {filler(5000) + trailer("P", "l", "b", -1, -1, 9000), "block longer than the file"},
         {filler(5000) + trailer("", "", "", -1, -1, 30), "block shorter than its fixed words"},
-        {filler(5000) + trailer("P", "l", "b", -1, -1, block.size() - 1), "block one byte short"},
+        {filler(5000) + trailer("P", "l", "b", -1, -1, trailer("P", "l", "b").size() - 1), "block one byte short"},
         {filler(5000) + trailer("P", "l", "b", 0xFFFFFFFF), "label length -1"},
         {filler(5000) + trailer("P", "l", "b", 0x80000000), "label length -2^31"},
         {filler(5000) + trailer("P", "l", "b", 500), "label beyond the block"},
