@@ -1,13 +1,18 @@
-// setup.ini, generated and mutated, through the wizard's load with a cabinet
-// list beside it: accepted with every value within its buffer, or refused
-// with one box exactly when a file is not a member that extraction writes.
+// The texts the setup reads: setup.ini through the wizard's load with a
+// cabinet list beside it, accepted with every value within its buffer or
+// refused with one box exactly when a file is not a member that extraction
+// writes; the readers behind it; the command line; the restart script's folder.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "BoundedText.h"
+#include "CommandLine.h"
 #include "Fuzz.h"
 #include "analysis/Versions.h"
 #include "description/PathHelpers.h"
 #include "description/ProfileLists.h"
+#include "engine/RestartScript.h"
 #include "wizard/InstallWizard.h"
 
 namespace {
@@ -86,7 +91,6 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
         if (random.percent(20)) wizard.cabinet.entries.push_back({random.text(random.length(300)), 0});
         wizard.settings.files.clear(), wizard.settings.detectKills.clear(), wizard.settings.registryChecks.clear();
 
-        CBoxCatcher boxes;
         const int result = wizard.loadSettings();
         const CInstallSettings& s = wizard.settings;
         bool wellFormed = true;
@@ -102,7 +106,7 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
         // A corrupt payload: one box and the end. (The Yes/No box of a newer
         // server registered here goes unanswered, and the load goes on.)
         EXPECT_EQ(wellFormed, result == 1);
-        if (!wellFormed) { EXPECT_EQ(1, boxes.seen); }
+        if (!wellFormed) { EXPECT_EQ(1, refusedDialogs); }
         ++outcomes[result == 1];
         // Every value within its 1,024-byte read; a key list within its buffer.
         for (const std::string* value : {&s.title, &s.company, &s.copyright, &s.panel, &s.agreement, &s.readme,
@@ -114,8 +118,7 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
         for (const std::string& name : files) listSize += name.size() + 1;
         if (mutated == text && !files.empty() && listSize < 1024) { EXPECT_EQ(files, read) << text; }
     });
-    EXPECT_GT(outcomes[0], 25) << "refused";
-    EXPECT_GT(outcomes[1], 25) << "accepted";
+    EXPECT_GT(std::min(outcomes[0], outcomes[1]), 25) << outcomes[0] << " refused, " << outcomes[1] << " accepted";
 }
 
 // The readers behind the load, in memory and so by the thousand: key lists as
@@ -129,12 +132,10 @@ TEST_F(CDescriptionFuzz, DescriptionReaders)
         list = random.mutate(list + '\0', iniTokens, 30, 5, 4000);
         const size_t size = 1 + random.below(1024);
         list.resize(size, '\x01');  // a buffer full to its end, or cut without its zeros
-        std::vector<std::string> expected;
-        for (size_t start = 0, i = 0; i < size; ++i) {
-            if (list[i]) continue;
-            expected.push_back(list.substr(start, i - start));
-            start = i + 1;
-            if (i + 1 == size || !list[i + 1]) break;
+        std::vector<std::string> expected;  // up to an empty name after the first, or the end of the buffer
+        for (size_t start = 0, zero; start < size && (start == 0 || list[start]); start = zero + 1) {
+            if ((zero = list.find('\0', start)) >= size) break;
+            expected.push_back(list.substr(start, zero - start));
         }
         EXPECT_EQ(expected, walkKeyList((list + 'Z').data(), size));  // the Z would show if read
 
@@ -159,4 +160,42 @@ TEST_F(CDescriptionFuzz, DescriptionReaders)
             EXPECT_EQ((titled ? title.substr(0, 254) + macroText.substr(7) : macroText).substr(0, capacity - 1), buffer.c_str());
         }
     });
+}
+
+// Every field within its buffer: the first token, its flags, and behind the
+// first blank the script of a restart.
+TEST(Fuzz, CommandLines)
+{
+    const Tokens tokens = {"/q", "/Q", "/t", "/T", "/?", "-restart", "-RESTART", " ", "  ", "\t", "\"", "x", "C:\\a.rss"};
+    runCases("command line", 6000, [&](CFuzzRandom& random) {
+        std::string line;
+        for (size_t n = random.below(8); n > 0; --n) line += random.percent(85) ? random.pick(tokens) : random.text(random.length(300));
+        line = random.mutate(line, tokens, 30, 4, 20000).c_str();  // the system hands over a zero-terminated text
+        const CCommandLine parsed = parseCommandLine(line.c_str());
+        const size_t blank = line.find(' ');
+        std::string token = line.substr(0, blank), lower;
+        if (token.size() > 255) token.resize(254);
+        for (char c : token) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        ASSERT_LT(std::max(strnlen(parsed.firstToken, 256), strnlen(parsed.scriptPath, 256)), 256u);
+        EXPECT_EQ(token, parsed.firstToken);
+        auto flags = [](bool help, bool restart, bool quiet, bool troubleshooting) {
+            return std::to_string(help) + std::to_string(restart) + std::to_string(quiet) + std::to_string(troubleshooting);
+        };
+        EXPECT_EQ(flags(lower == "/?", lower == "-restart", lower.find("/q") != std::string::npos, lower.find("/t") != std::string::npos),
+                  flags(parsed.help, parsed.restart, parsed.quiet, parsed.troubleshooting));
+        EXPECT_EQ(parsed.restart && blank != std::string::npos ? line.substr(blank + 1, 255) : "", parsed.scriptPath);
+    });
+}
+
+// A damaged Source= line must not send the restart run's removal elsewhere
+// than the extraction folder that holds the script.
+TEST(FuzzRegression, RestartRemovesOnlyTheFolderOfItsScript)
+{
+    const std::string folder = fuzzFolder("restart-source"), script = folder + "\\tavrin.rss";
+    for (const std::string& same : {folder, folder + "\\", folder + "\\sub\\.."})
+        EXPECT_TRUE(isScriptFolder(same.c_str(), script.c_str())) << same;
+    for (const std::string& other : {folder.substr(0, folder.rfind('\\')), folder.substr(0, 3), std::string("Z:\\"),
+                                     folder + "\\sub", folder.substr(0, folder.size() - 1), std::string(""), std::string("\\")})
+        EXPECT_FALSE(isScriptFolder(other.c_str(), script.c_str())) << other;
+    RemoveDirectoryA(folder.c_str());
 }

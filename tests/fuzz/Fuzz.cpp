@@ -39,8 +39,7 @@ std::string CFuzzRandom::mutate(std::string data, const Tokens& tokens, int chan
         case 1: data[below(data.size())] = oddBytes[below(sizeof oddBytes - 1)]; break;
         case 2:  // an odd length word, or one near the data's own length
             if (data.size() >= 4)
-                data.replace(below(data.size() - 3), 4,
-                             word32(percent(30) ? static_cast<uint32_t>(data.size() + below(9) - 4) : oddWords[below(11)]));
+                data.replace(below(data.size() - 3), 4, word32(percent(30) ? data.size() + below(9) - 4 : oddWords[below(11)]));
             break;
         case 3: data.insert(at, bytes(1 + below(8))); break;
         case 4: data.erase(at, 1 + length(64)); break;
@@ -49,8 +48,7 @@ std::string CFuzzRandom::mutate(std::string data, const Tokens& tokens, int chan
         case 7: data.insert(at, text(length(300))); break;
         default: {  // a piece repeated, now and then many times
             std::string piece = data.substr(below(data.size()), 1 + below(200)), repeated;
-            for (size_t i = percent(10) ? 1 + below(2000) : 1 + below(3); i > 0 && repeated.size() < maxSize; --i)
-                repeated += piece;
+            for (size_t i = percent(10) ? 1 + below(2000) : 1 + below(3); i > 0 && repeated.size() < maxSize; --i) repeated += piece;
             data.insert(at, repeated);
         }
         }
@@ -65,32 +63,42 @@ std::string word32(uint32_t value)
 }
 
 static char currentCase[256] = "";  // named if the process crashes in it
+int refusedDialogs = 0;
+
+static LRESULT CALLBACK refuseDialogs(int code, WPARAM wParam, LPARAM lParam)
+{
+    const bool dialog = code == HCBT_CREATEWND &&  // of the class #32770
+                        reinterpret_cast<ULONG_PTR>(reinterpret_cast<CBT_CREATEWNDA*>(lParam)->lpcs->lpszClass) == 0x8002;
+    return dialog ? (++refusedDialogs, 1) : CallNextHookEx(nullptr, code, wParam, lParam);
+}
 
 static LONG WINAPI reportCrash(EXCEPTION_POINTERS* crash)
 {
-    std::fprintf(stderr, "\nException 0x%08lx in %s\n", crash->ExceptionRecord->ExceptionCode, currentCase);
-    return std::fflush(stderr), EXCEPTION_EXECUTE_HANDLER;
+    return std::fprintf(stderr, "\nException 0x%08lx in %s\n", crash->ExceptionRecord->ExceptionCode, currentCase),
+           std::fflush(stderr), EXCEPTION_EXECUTE_HANDLER;
 }
 
 void runCases(const char* family, int count, const std::function<void(CFuzzRandom&)>& body)
 {
     SetUnhandledExceptionFilter(reportCrash);
+    const HHOOK hook = SetWindowsHookExA(WH_CBT, refuseDialogs, nullptr, GetCurrentThreadId());
     const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
     const char *replay = std::getenv("TAVRIN_FUZZ_CASE"), *scale = std::getenv("TAVRIN_FUZZ_SCALE");
-    if (replay && *replay) count = 1;
-    else if (scale && std::atoi(scale) > 0) count *= std::atoi(scale);
+    count = replay && *replay ? 1 : count * std::max(1, scale ? std::atoi(scale) : 1);
     uint64_t familySeed = 20240601;
     for (const char* p = family; *p; ++p) familySeed = familySeed * 131 + static_cast<unsigned char>(*p);
     for (int i = 0; i < count && !::testing::Test::HasFailure(); ++i) {
-        uint64_t seed = CFuzzRandom(familySeed + static_cast<uint64_t>(i) * 0x9E3779B97F4A7C15ull).next();
-        if (replay && *replay) seed = std::strtoull(replay, nullptr, 0);
+        const uint64_t seed = replay && *replay ? std::strtoull(replay, nullptr, 0)
+                                                : CFuzzRandom(familySeed + i * 0x9E3779B97F4A7C15ull).next();
         std::snprintf(currentCase, sizeof currentCase, "%s case %d: replay with TAVRIN_FUZZ_CASE=0x%016llx --gtest_filter=%s.%s",
                       family, i, static_cast<unsigned long long>(seed), test->test_suite_name(), test->name());
         SCOPED_TRACE(currentCase);
         CFuzzRandom random(seed);
+        refusedDialogs = 0;
         body(random);
     }
     currentCase[0] = 0;
+    UnhookWindowsHookEx(hook);
 }
 
 std::string fuzzFolder(const std::string& name)
@@ -105,18 +113,4 @@ bool writeBytes(const std::string& path, const std::string& data)
 {
     std::ofstream out(path, std::ios::binary);
     return out.write(data.data(), static_cast<std::streamsize>(data.size())).flush().good();
-}
-
-static thread_local CBoxCatcher* currentCatcher = nullptr;
-
-LRESULT CALLBACK refuseDialogs(int code, WPARAM wParam, LPARAM lParam)
-{
-    const bool dialog = code == HCBT_CREATEWND &&  // of the class #32770
-                        reinterpret_cast<ULONG_PTR>(reinterpret_cast<CBT_CREATEWNDA*>(lParam)->lpcs->lpszClass) == 0x8002;
-    return dialog && currentCatcher ? (++currentCatcher->seen, 1) : CallNextHookEx(nullptr, code, wParam, lParam);
-}
-
-CBoxCatcher::CBoxCatcher() : handle(SetWindowsHookExA(WH_CBT, refuseDialogs, nullptr, GetCurrentThreadId()))
-{
-    currentCatcher = this;
 }

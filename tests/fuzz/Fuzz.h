@@ -23,29 +23,20 @@ public:
     template <class T> const T& pick(const std::vector<T>& items) { return items[below(items.size())]; }
     std::string bytes(size_t count, const std::string& alphabet = "");  // without an alphabet, any byte
     std::string text(size_t count);  // mostly printable, now and then a control or a byte from 0x80 up
-    // In `chance` percent of calls, 1 to `rounds` edits: bit flips, odd bytes and
-    // 32-bit words, insertions, deletions, repeats, cuts, the family's tokens.
+    // In `chance` percent of calls, 1 to `rounds` edits: bit flips, odd bytes and words,
+    // insertions, deletions, repeats, cuts, the family's tokens.
     std::string mutate(std::string data, const Tokens& tokens, int chance, int rounds, size_t maxSize = 1 << 20);
 
 private:
     uint64_t state;
 };
 
-// `count` (times TAVRIN_FUZZ_SCALE) cases, each with its own seed, up to the first that fails.
+// `count` (times TAVRIN_FUZZ_SCALE) cases, each with its own seed, up to the first that
+// fails. Dialogs opened on this thread are counted and never made (each would cost Wine
+// 20 to 90 ms): the call that opens one gets -1.
 void runCases(const char* family, int count, const std::function<void(CFuzzRandom&)>& body);
+extern int refusedDialogs;  // in the case under way
 
 std::string word32(uint32_t value);  // little-endian
 std::string fuzzFolder(const std::string& name);  // made under the temp folder, as long in every run
 bool writeBytes(const std::string& path, const std::string& data);
-
-// Counts the dialogs the code under test opens on this thread while it lives,
-// and makes none (each would cost Wine 20 to 90 ms): the call gets -1.
-class CBoxCatcher {
-public:
-    CBoxCatcher();
-    ~CBoxCatcher() { UnhookWindowsHookEx(handle); }
-    int seen = 0;
-
-private:
-    HHOOK handle;
-};
