@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <tuple>
 
 #include "Fuzz.h"
 #include "description/Branding.h"
@@ -17,15 +18,8 @@ uint32_t wordAt(const std::string& file, uint64_t at)
     return std::memcpy(&word, file.data() + at, 4), word;
 }
 
-std::string summary(const CBranding& b)
-{
-    return std::to_string(b.present) + "|" + std::to_string(b.partnerIdA) + "|" + std::to_string(b.partnerIdB) + "|" + b.label +
-           "|" + b.linkUrl + "|" + std::to_string(b.extra) + "|" + std::to_string(b.bitmapSize);
-}
-
-// The trailer read from the bytes in memory by the layout of Branding.h: the
-// fields when every length fits the block (up to its length word, included),
-// and the block the file; the smallest block holds 31 bytes.
+// The trailer by the layout of Branding.h: the fields when every length fits the block (up to its
+// length word, included) and the block the file; the smallest block holds 31 bytes.
 bool decode(const std::string& file, CBranding& out, std::string& logo)
 {
     if (file.size() < brandingSearchSpan) return false;
@@ -82,6 +76,9 @@ TEST(Fuzz, BrandingTrailers)
         const bool present = decode(file, expected, decoded);
         ++outcomes[present];
         EXPECT_EQ(present ? 1 : 0, readBrandingTrailer(program.c_str(), folder.c_str(), read));
+        const auto summary = [](const CBranding& b) {
+            return std::tie(b.present, b.partnerIdA, b.partnerIdB, b.label, b.linkUrl, b.extra, b.bitmapSize);
+        };
         EXPECT_EQ(summary(expected), summary(read));
         std::ifstream logoFile(logoPath, std::ios::binary);  // only a whole logo, and named
         const std::string written((std::istreambuf_iterator<char>(logoFile)), std::istreambuf_iterator<char>());

@@ -1,7 +1,6 @@
-// The texts the setup reads: setup.ini through the wizard's load with a
-// cabinet list beside it, accepted with every value within its buffer or
-// refused with one box exactly when a file is not a member that extraction
-// writes; the readers behind it; the command line; the restart script's folder.
+// The texts the setup reads: setup.ini through the wizard's load with a cabinet list beside it,
+// accepted with every value within its buffer or refused with one box exactly when a file is not
+// a member that extraction writes; the readers behind it; the command line; the restart folder.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -38,8 +37,8 @@ std::string value(CFuzzRandom& random)
     return text;
 }
 
-// The text, and its member names in key order: some that extraction would
-// never write (a drive, a step up, a root, a path at or past MAX_PATH).
+// The text, and its member names in key order: some never written by extraction (a drive, a step up,
+// a root, a path at or past MAX_PATH).
 std::string generate(CFuzzRandom& random, size_t folderLength, std::vector<std::string>& files)
 {
     const std::string eol = random.pick(Tokens{"\r\n", "\r\n", "\r\n", "\n", "\r"});
@@ -61,11 +60,9 @@ std::string generate(CFuzzRandom& random, size_t folderLength, std::vector<std::
         for (const char* key : {"AutoReg", "ACMREG", "Signed", "UpgradeCheck", "Destination", "RegGuid"})
             if (random.percent(50)) text += key + ("=" + random.pick(Tokens{"TRUE", " true", "1", "", "{", "%TITLE%\\"})) + eol;
     }
-    for (const char* section : {"[DetectKill]", "[CHECKREGISTRY]"}) {
-        text += section + eol;
-        for (size_t n = random.percent(5) ? random.below(300) : random.below(4); n > 0; --n)
+    for (const std::string section : {"[DetectKill]", "[CHECKREGISTRY]"})  // lists of versions and junk
+        for (size_t n = (text += section + eol, random.percent(5) ? random.below(300) : random.below(4)); n > 0; --n)
             text += "K" + std::to_string(n) + "=" + random.pick(versions) + std::string(random.below(3), ',') + value(random) + eol;
-    }
     return text;
 }
 
@@ -95,9 +92,9 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
         const CInstallSettings& s = wizard.settings;
         bool wellFormed = true;
         for (const CInstallFile& file : s.files) {
-            bool listed = false;
-            for (const CCabinetEntry& entry : wizard.cabinet.entries)
-                listed = listed || equalsNoCase(entry.name.substr(0, 259).c_str(), file.fileName.substr(0, 259).c_str());
+            const bool listed = std::any_of(wizard.cabinet.entries.begin(), wizard.cabinet.entries.end(), [&](const CCabinetEntry& e) {
+                return equalsNoCase(e.name.substr(0, 259).c_str(), file.fileName.substr(0, 259).c_str());
+            });
             wellFormed = wellFormed && listed && isPlainMemberName(file.fileName.c_str()) &&
                          folder.size() + 1 + file.fileName.size() < MAX_PATH;
             read.push_back(file.fileName);
@@ -121,9 +118,8 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
     EXPECT_GT(std::min(outcomes[0], outcomes[1]), 25) << outcomes[0] << " refused, " << outcomes[1] << " accepted";
 }
 
-// The readers behind the load, in memory and so by the thousand: key lists as
-// the profile call fills its buffer (and as it never does), versions with
-// junk, and macros in buffers of any size.
+// The readers behind the load, by the thousand: key lists as the profile call fills its buffer (and
+// as it never does), versions with junk, and macros in buffers of any size.
 TEST_F(CDescriptionFuzz, DescriptionReaders)
 {
     runCases("setup.ini readers", 6000, [this](CFuzzRandom& random) {
@@ -162,8 +158,7 @@ TEST_F(CDescriptionFuzz, DescriptionReaders)
     });
 }
 
-// Every field within its buffer: the first token, its flags, and behind the
-// first blank the script of a restart.
+// Every field within its buffer: the first token, its flags, and behind the first blank a restart's script.
 TEST(Fuzz, CommandLines)
 {
     const Tokens tokens = {"/q", "/Q", "/t", "/T", "/?", "-restart", "-RESTART", " ", "  ", "\t", "\"", "x", "C:\\a.rss"};
@@ -178,11 +173,9 @@ TEST(Fuzz, CommandLines)
         for (char c : token) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         ASSERT_LT(std::max(strnlen(parsed.firstToken, 256), strnlen(parsed.scriptPath, 256)), 256u);
         EXPECT_EQ(token, parsed.firstToken);
-        auto flags = [](bool help, bool restart, bool quiet, bool troubleshooting) {
-            return std::to_string(help) + std::to_string(restart) + std::to_string(quiet) + std::to_string(troubleshooting);
-        };
-        EXPECT_EQ(flags(lower == "/?", lower == "-restart", lower.find("/q") != std::string::npos, lower.find("/t") != std::string::npos),
-                  flags(parsed.help, parsed.restart, parsed.quiet, parsed.troubleshooting));
+        const auto has = [&](const char* flag) { return lower.find(flag) != std::string::npos; };
+        EXPECT_EQ((std::vector<bool>{lower == "/?", lower == "-restart", has("/q"), has("/t")}),
+                  (std::vector<bool>{parsed.help, parsed.restart, parsed.quiet, parsed.troubleshooting}));
         EXPECT_EQ(parsed.restart && blank != std::string::npos ? line.substr(blank + 1, 255) : "", parsed.scriptPath);
     });
 }

@@ -30,9 +30,8 @@ TEST(Fuzz, FavoritesTrees)
         ASSERT_TRUE(CreateDirectoryA(root.c_str(), nullptr));
         std::vector<std::string> folders = {""}, made = {""}, expected, lines;  // made: to remove, last first
         for (size_t entry = 0, count = random.percent(5) ? 300 : random.below(30); entry < count; ++entry) {
-            // A name Windows can hold: no reserved characters, none at its end that
-            // it would drop, never a device name (each begins with its number),
-            // within the host's 255 bytes of UTF-8. A dot first: passed over.
+            // A name Windows can hold: no reserved characters, none at its end that it would drop, never a
+            // device name (each begins with its number), within the host's 255 bytes. A dot first: passed over.
             std::string rel = (random.percent(70) ? folders.back() : random.pick(folders)) + (random.percent(10) ? "\\.n" : "\\n") +
                               std::to_string(entry) + "-" + random.bytes(random.percent(5) ? 70 + random.below(10) : random.below(12),
                                                                          "abcXYZ019 !#$%&'()+,;=@[]^_`{}~.\x80\x81\x9f\xa0\xe9\xfe\xff");
@@ -50,8 +49,7 @@ TEST(Fuzz, FavoritesTrees)
             HANDLE file = CreateFileW(longPath(root + rel).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
             DWORD written = 0;
             if (file == INVALID_HANDLE_VALUE) continue;
-            WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr), CloseHandle(file);
-            made.push_back(rel);
+            WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr), CloseHandle(file), made.push_back(rel);
             if (rel.find("\\.") != std::string::npos || !equalsNoCase(rel.c_str() + rel.size() - 4, ".url")) continue;
             if ((root + rel).size() >= MAX_PATH || rel.size() >= MAX_PATH) ++leftOut;
             else expected.push_back(rel.substr(0, rel.size() - 4) + '\xFF' + (wellFormed ? url.substr(0, 259) : "") + "\r\n");

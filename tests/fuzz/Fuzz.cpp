@@ -57,11 +57,6 @@ std::string CFuzzRandom::mutate(std::string data, const Tokens& tokens, int chan
     return data;
 }
 
-std::string word32(uint32_t value)
-{
-    return std::string(reinterpret_cast<const char*>(&value), 4);  // the host is little-endian too
-}
-
 static char currentCase[256] = "";  // named if the process crashes in it
 int refusedDialogs = 0;
 
@@ -81,7 +76,7 @@ static LONG WINAPI reportCrash(EXCEPTION_POINTERS* crash)
 void runCases(const char* family, int count, const std::function<void(CFuzzRandom&)>& body)
 {
     SetUnhandledExceptionFilter(reportCrash);
-    const HHOOK hook = SetWindowsHookExA(WH_CBT, refuseDialogs, nullptr, GetCurrentThreadId());
+    [[maybe_unused]] static const HHOOK hook = SetWindowsHookExA(WH_CBT, refuseDialogs, nullptr, GetCurrentThreadId());
     const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
     const char *replay = std::getenv("TAVRIN_FUZZ_CASE"), *scale = std::getenv("TAVRIN_FUZZ_SCALE");
     count = replay && *replay ? 1 : count * std::max(1, scale ? std::atoi(scale) : 1);
@@ -98,7 +93,6 @@ void runCases(const char* family, int count, const std::function<void(CFuzzRando
         body(random);
     }
     currentCase[0] = 0;
-    UnhookWindowsHookEx(hook);
 }
 
 std::string fuzzFolder(const std::string& name)
