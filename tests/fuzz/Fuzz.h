@@ -1,12 +1,7 @@
 #pragma once
-// What every family of the fuzz program shares: a seeded generator, a mutator
-// of byte strings, the case loop that names the seed of a failing case, and a
-// catcher of the message boxes the code under test shows on this thread.
-//
-// Replay one case:  TAVRIN_FUZZ_CASE=<seed> fuzz_tests --gtest_filter=<test>
-//                   (both as printed with the failure, or with a crash)
-// More cases:       TAVRIN_FUZZ_SCALE=10 fuzz_tests   (ten times each count)
-// Other cases:      TAVRIN_FUZZ_SEED=<number> fuzz_tests
+// The skeleton of every fuzz family: a seeded generator and mutator, and a case loop naming failing seeds.
+//   Replay one case:  TAVRIN_FUZZ_CASE=<seed> fuzz_tests --gtest_filter=<test>
+//   More cases:       TAVRIN_FUZZ_SCALE=10 fuzz_tests   (ten times each count)
 #include <windows.h>
 
 #include <cstdint>
@@ -14,70 +9,28 @@
 #include <string>
 #include <vector>
 
+using Tokens = std::vector<std::string>;
+
 // xorshift64*: small, fast and the same on every build.
-class CFuzzRandom {
-public:
+struct CFuzzRandom {
     explicit CFuzzRandom(uint64_t seed) : state(seed ? seed : 0x9E3779B97F4A7C15ull) {}
-    uint64_t next()
-    {
-        state ^= state >> 12;
-        state ^= state << 25;
-        state ^= state >> 27;
-        return state * 0x2545F4914F6CDD1Dull;
-    }
-    // 0 to n - 1; 0 when n is 0.
+    uint64_t next() { return state ^= state >> 12, state ^= state << 25, state ^= state >> 27, state * 0x2545F4914F6CDD1Dull; }
     size_t below(size_t n) { return n ? static_cast<size_t>(next() % n) : 0; }
     bool percent(int chance) { return below(100) < static_cast<size_t>(chance); }
-    // A length that is mostly small, sometimes near `limit`.
-    size_t length(size_t limit);
+    size_t length(size_t limit);  // mostly small, sometimes near `limit`
     template <class T> const T& pick(const std::vector<T>& items) { return items[below(items.size())]; }
-
-    // `count` bytes, each from `alphabet` or, without one, any byte.
-    std::string bytes(size_t count, const std::string& alphabet = "");
-    // Mostly printable text with now and then an odd byte (controls, 0x80 up).
-    std::string text(size_t count);
-    // `rounds` random edits of `data`: bit flips, odd bytes, odd 32-bit words,
-    // insertions, deletions, repeated pieces, cuts, and tokens of the family.
-    std::string mutate(std::string data, const std::vector<std::string>& tokens, int rounds,
-                       size_t maxSize = 1 << 20);
-
-private:
+    std::string bytes(size_t count, const std::string& alphabet = "");  // without an alphabet, any byte
+    std::string text(size_t count);  // mostly printable, now and then a control or a byte from 0x80 up
+    // In `chance` percent of calls, 1 to `rounds` edits: flips, odd bytes and words, cuts, repeats, tokens.
+    std::string mutate(std::string data, const Tokens& tokens, int chance, int rounds, size_t maxSize = 1 << 20);
     uint64_t state;
 };
 
-// Runs `count` (times TAVRIN_FUZZ_SCALE) cases of `family`, each with its own
-// seed. The first failing case stops the family and names its seed.
+// `count` (times TAVRIN_FUZZ_SCALE) cases, each with its own seed, up to the first that fails. From then on
+// dialogs opened on this thread are counted, never made (each costs Wine 20 to 90 ms): the call gets -1.
 void runCases(const char* family, int count, const std::function<void(CFuzzRandom&)>& body);
+extern int refusedDialogs;  // in the case under way
 
-// 32-bit little-endian word as 4 bytes.
-std::string word32(uint32_t value);
-
-// A folder of its own under the temp folder for this process, made if missing.
-std::string fuzzFolder(const std::string& name);
+inline std::string word32(uint32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }  // little-endian
+std::string fuzzFolder(const std::string& name);  // made under the temp folder, as long in every run
 bool writeBytes(const std::string& path, const std::string& data);
-// The whole file, and false when it cannot be opened.
-bool readBytes(const std::string& path, std::string& data);
-
-// Answers, on this thread, every dialog the code under test shows while the
-// catcher lives, as soon as it has its texts and before it is shown. A message
-// box's text is recorded as "<caption>:<text>", the error list's as
-// "<caption>[list]:<text>". Yes/No boxes get `yesNoAnswer`, all others OK.
-// Each dialog still costs Wine some 20 to 90 ms for its windows; with
-// `refuse` none is made, which is at once: "?" is recorded for each, and the
-// code under test gets -1 from its call.
-class CBoxCatcher {
-public:
-    explicit CBoxCatcher(int yesNoAnswer = IDYES, bool refuse = false);
-    ~CBoxCatcher();
-    CBoxCatcher(const CBoxCatcher&) = delete;
-    CBoxCatcher& operator=(const CBoxCatcher&) = delete;
-
-    std::vector<std::string> seen;
-    int yesNoAnswer;
-    bool refuse;
-
-private:
-    static LRESULT CALLBACK hook(int code, WPARAM wParam, LPARAM lParam);
-    HHOOK handle;
-    CBoxCatcher* outer;
-};
