@@ -6,6 +6,7 @@ exits 1 when one of them passes every test, or no longer applies to the source.
 
   scripts/mutants/replay.py              every fault, every test
   scripts/mutants/replay.py --quick 3 7  faults 3 and 7, stopping at the first failure
+  scripts/mutants/replay.py --at 5f1b3cd the tests of an earlier commit against the same faults
 """
 import argparse
 import os
@@ -38,21 +39,44 @@ def read_faults(path):
     return faults
 
 
-def sync_copy():
-    """The working tree's tracked files into the copy; unchanged files keep their times."""
-    files = subprocess.run(["git", "ls-files", "-z"], cwd=TOP, check=True, capture_output=True).stdout
-    for name in filter(None, files.decode().split("\0")):
-        source, target = os.path.join(TOP, name), os.path.join(COPY, name)
-        if not os.path.isfile(source):
-            continue
-        with open(source, "rb") as f:
-            data = f.read()
+def tree_files(commit):
+    """(name, bytes) of every tracked file: of the working tree, or of `commit`."""
+    if commit is None:
+        listing = subprocess.run(["git", "ls-files", "-z"], cwd=TOP, check=True, capture_output=True).stdout
+        for name in filter(None, listing.decode().split("\0")):
+            if os.path.isfile(os.path.join(TOP, name)):
+                with open(os.path.join(TOP, name), "rb") as f:
+                    yield name, f.read()
+        return
+    listing = subprocess.run(["git", "ls-tree", "-r", "-z", "--name-only", commit], cwd=TOP, check=True,
+                             capture_output=True).stdout
+    for name in filter(None, listing.decode().split("\0")):
+        yield name, subprocess.run(["git", "show", f"{commit}:{name}"], cwd=TOP, check=True,
+                                   capture_output=True).stdout
+
+
+def sync_copy(commit):
+    """The tracked files into the copy, and no other; unchanged files keep their times."""
+    kept = set()
+    for name, data in tree_files(commit):
+        kept.add(name)
+        target = os.path.join(COPY, name)
         if os.path.exists(target):
             with open(target, "rb") as f:
                 if f.read() == data:
                     continue
         os.makedirs(os.path.dirname(target), exist_ok=True)
-        shutil.copy2(source, target)
+        with open(target, "wb") as f:
+            f.write(data)
+        if name.endswith((".sh", ".py")):
+            os.chmod(target, 0o755)
+    for folder, subfolders, files in os.walk(COPY):
+        if folder == COPY and "build" in subfolders:
+            subfolders.remove("build")  # the copy's own builds
+        for file in files:
+            name = os.path.relpath(os.path.join(folder, file), COPY)
+            if name not in kept:
+                os.remove(os.path.join(folder, file))
 
 
 def build():
@@ -61,7 +85,8 @@ def build():
         subprocess.run(["cmake", "-S", COPY, "-B", folder, "-DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-x86_64.cmake",
                         "-DCMAKE_BUILD_TYPE=MinSizeRel", "-DTAVRIN_TESTS=ON"], cwd=COPY, check=True,
                        stdout=subprocess.DEVNULL)
-    done = subprocess.run(["cmake", "--build", folder, "-j2"], cwd=COPY, capture_output=True, text=True)
+    done = subprocess.run(["cmake", "--build", folder, "-j2"], cwd=COPY, capture_output=True, text=True,
+                          errors="replace")
     return done.returncode == 0, done.stdout[-3000:] + done.stderr[-3000:]
 
 
@@ -95,7 +120,7 @@ def replay(number, fault, quick):
         command = [os.path.join(COPY, "scripts", "run-tests.sh"), "--windows-only"]
         if quick:
             command.append("--stop-on-failure")
-        run = subprocess.run(command, cwd=COPY, capture_output=True, text=True)
+        run = subprocess.run(command, cwd=COPY, capture_output=True, text=True, errors="replace")
         names = failed_tests(run.stdout + run.stderr)
         return ("caught" if run.returncode != 0 else "SURVIVED"), names
     finally:
@@ -107,10 +132,11 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("numbers", nargs="*", type=int, help="the faults to replay (1-based); all without")
     parser.add_argument("--quick", action="store_true", help="stop each run at its first failing test")
+    parser.add_argument("--at", metavar="COMMIT", help="the tree of a commit instead of the working tree")
     args = parser.parse_args()
     faults = read_faults(os.path.join(HERE, "faults.txt"))
     chosen = args.numbers or range(1, len(faults) + 1)
-    sync_copy()
+    sync_copy(args.at)
     built, log = build()
     if not built:
         print(log, file=sys.stderr)
