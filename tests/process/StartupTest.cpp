@@ -30,7 +30,7 @@ TEST_F(Startup, HelpBoxShowsTheOptionsAndLeavesTheFlagAlone)
     EXPECT_EQ(readFlag(), "1");
 }
 
-TEST_F(Startup, FlagTellsOfAFailedRunOnceAndIsClearedByARunThatEnds)
+TEST_F(Startup, FlagTellsOfAFailedRunAndIsClearedByARunThatEnds)
 {
     writeFlag("1");
     {
