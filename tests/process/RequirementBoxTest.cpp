@@ -2,10 +2,10 @@
 // on this thread, so a second thread of the test answers it.
 #include <gtest/gtest.h>
 
-#include "TestThread.h"
 #include <vector>
 
 #include "SetupProcess.h"
+#include "TestThread.h"
 #include "analysis/RequirementChecks.h"
 #include "wizard/InstallWizard.h"
 
@@ -13,22 +13,14 @@ namespace {
 // Answers every box that comes up, until none has come for a second.
 struct BoxAnswerer {
     std::vector<std::string> texts;
-    CTestThread thread;
-    BoxAnswerer()
-        : thread([this] {
-              uidriver::WindowQuery query;
-              query.caption = "Incorrect Version";
-              query.processId = GetCurrentProcessId();
-              DWORD wait = 10000;
-              while (HWND box = uidriver::waitForWindow(query, wait)) {
-                  texts.push_back(uidriver::messageText(box));
-                  uidriver::pressButton(box, IDOK);
-                  uidriver::waitForWindowGone(query, 5000);
-                  wait = 1000;
-              }
-          })
-    {
-    }
+    CTestThread thread{[this] {
+        uidriver::WindowQuery query{"Incorrect Version", GetCurrentProcessId()};
+        for (DWORD wait = 10000; HWND box = uidriver::waitForWindow(query, wait); wait = 1000) {
+            texts.push_back(uidriver::messageText(box));
+            uidriver::pressButton(box, IDOK);
+            uidriver::waitForWindowGone(query, 5000);
+        }
+    }};
     std::vector<std::string> join()
     {
         thread.join();
@@ -36,25 +28,15 @@ struct BoxAnswerer {
     }
 };
 
-void setInstalledVersion(const char* version)
-{
-    HKEY key;
-    RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\TavRinTests\\Browser", 0, nullptr, 0, KEY_ALL_ACCESS,
-                    nullptr, &key, nullptr);
-    RegSetValueExA(key, "Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(version),
-                   static_cast<DWORD>(strlen(version) + 1));
-    RegCloseKey(key);
-}
-
+// A name with a percent sign is no format.
 CRegistryCheck check(const char* comparison, const char* bound)
 {
-    CRegistryCheck entry;
-    entry.name = "Internet %s Explorer";  // a name with a percent sign is no format
-    entry.keyPath = "HKEY_CURRENT_USER\\Software\\TavRinTests\\Browser";
-    entry.valueName = "Version";
-    entry.comparison = comparison;
-    entry.version = bound;
-    return entry;
+    return {"Internet %s Explorer", "HKEY_CURRENT_USER\\Software\\TavRinTests\\Browser", "Version", comparison, bound};
+}
+
+void setInstalledVersion(const char* version)
+{
+    RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\TavRinTests\\Browser", "Version", REG_SZ, version, lstrlenA(version) + 1);
 }
 }  // namespace
 
@@ -69,13 +51,12 @@ TEST(RequirementBox, TooOldAndTooNewTellTheBounds)
     EXPECT_EQ(old.join(), std::vector<std::string>{"Your version of Internet %s Explorer is unsupported by TavRin Personal.\n"
                           "Please upgrade your Internet %s Explorer to 5.00.2314.1003 or higher."});
 
+    // A bound met exactly passes either way; one box: the check behind the failing one is never made.
     setInstalledVersion("6");
-    wizard.settings.registryChecks = {check("VERGREATER", "5.00.2314.1003"),
-                                      check("VERLESSER", "5.00.2314.1003"),
-                                      check("VERGREATER", "99")};
+    wizard.settings.registryChecks = {check("VERGREATER", "6.0"), check("VERLESSER", "6"),
+                                      check("VERLESSER", "5.00.2314.1003"), check("VERGREATER", "99")};
     BoxAnswerer tooNew;
     EXPECT_EQ(checkRequirements(&wizard), 0);
-    // One box: the check behind the failing one is never made.
     EXPECT_EQ(tooNew.join(), std::vector<std::string>{"The version of Internet %s Explorer is unsupported by TavRin Personal. "
                              "The latest version of Internet %s Explorer supported by TavRin Personal "
                              "is 5.00.2314.1003."});

@@ -1,48 +1,50 @@
 #include "SetupProcess.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include <fstream>
 #include <functional>
-#include <vector>
+#include <iterator>
+
+namespace {
+bool eventually(const std::function<bool()>& condition, DWORD timeoutMs = 10000)
+{
+    for (DWORD waited = 0; waited < timeoutMs; waited += 50, Sleep(50))
+        if (condition()) return true;
+    return false;
+}
+
+bool start(const char* program, std::string commandLine, PROCESS_INFORMATION& info)
+{
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    return CreateProcessA(program, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info);
+}
+}  // namespace
 
 SetupProcess::SetupProcess(const std::string& arguments, const std::string& program)
 {
-    std::string commandLine = "\"" + program + "\"";
-    if (!arguments.empty()) commandLine += " " + arguments;
-    std::vector<char> buffer(commandLine.begin(), commandLine.end());
-    buffer.push_back(0);
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    if (!CreateProcessA(nullptr, buffer.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &info))
+    if (!start(nullptr, "\"" + program + "\"" + (arguments.empty() ? "" : " " + arguments), info))
         ADD_FAILURE() << "cannot start " << program << ": error " << GetLastError();
 }
 
 SetupProcess::~SetupProcess()
 {
-    if (info.hProcess) {
-        if (WaitForSingleObject(info.hProcess, 0) == WAIT_TIMEOUT) kill();
-        CloseHandle(info.hProcess);
-        CloseHandle(info.hThread);
-    }
+    if (!info.hProcess) return;
+    if (WaitForSingleObject(info.hProcess, 0) == WAIT_TIMEOUT) kill();
+    CloseHandle(info.hProcess);
+    CloseHandle(info.hThread);
 }
 
 int SetupProcess::wait(DWORD timeoutMs)
 {
-    if (!info.hProcess) return -1;
-    if (WaitForSingleObject(info.hProcess, timeoutMs) != WAIT_OBJECT_0) return -1;
     DWORD code = 0;
+    if (!info.hProcess || WaitForSingleObject(info.hProcess, timeoutMs) != WAIT_OBJECT_0) return -1;
     GetExitCodeProcess(info.hProcess, &code);
     return static_cast<int>(code);
 }
 
 HWND SetupProcess::window(const std::string& caption, DWORD timeoutMs)
 {
-    uidriver::WindowQuery query;
-    query.caption = caption;
-    query.processId = info.dwProcessId;
-    return uidriver::waitForWindow(query, timeoutMs);
+    return uidriver::waitForWindow({caption, info.dwProcessId}, timeoutMs);
 }
 
 void SetupProcess::kill()
@@ -59,15 +61,16 @@ std::string testFolder()
     return folder.substr(0, folder.find_last_of('\\') + 1);
 }
 
-std::string setupPath()
-{
-    // build/x64/tests/process/<test>.exe beside build/x64/SETUP.EXE
-    return testFolder() + "..\\..\\SETUP.EXE";
-}
+// build/x64/tests/process/<test>.exe beside build/x64/SETUP.EXE
+std::string setupPath() { return testFolder() + "..\\..\\SETUP.EXE"; }
+std::string variantPath(const std::string& variant) { return testFolder() + "..\\..\\variants\\SETUP_" + variant + ".EXE"; }
+std::string built(const std::string& path) { return readFile(testFolder() + "..\\..\\" + path); }
 
-std::string variantPath(const std::string& variant)
+std::string windowsFolder()
 {
-    return testFolder() + "..\\..\\variants\\SETUP_" + variant + ".EXE";
+    char windows[MAX_PATH];
+    GetWindowsDirectoryA(windows, sizeof windows);
+    return windows;
 }
 
 std::string tempFolder()
@@ -79,113 +82,59 @@ std::string tempFolder()
 
 std::string readFile(const std::string& path)
 {
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                              nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return "";
-    std::string data;
-    char chunk[65536];
-    DWORD got = 0;
-    while (ReadFile(file, chunk, sizeof chunk, &got, nullptr) && got) data.append(chunk, got);
-    CloseHandle(file);
-    return data;
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 void writeFile(const std::string& path, const std::string& data)
 {
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE) << path;
-    DWORD written = 0;
-    WriteFile(file, data.data(), static_cast<DWORD>(data.size()), &written, nullptr);
-    CloseHandle(file);
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    ASSERT_TRUE(out << data) << path;
 }
 
-std::string readLog()
+void emptyFolder(const std::string& folder)
 {
-    char windows[MAX_PATH];
-    GetWindowsDirectoryA(windows, sizeof windows);
-    return readFile(std::string(windows) + "\\TavRinInstall.log");
+    WIN32_FIND_DATAA found;
+    HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return;
+    do {
+        std::string name = found.cFileName, path = folder + "\\" + name;
+        if (name == "." || name == "..") continue;
+        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+            emptyFolder(path);
+            RemoveDirectoryA(path.c_str());
+        } else {
+            SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+            DeleteFileA(path.c_str());
+        }
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
 }
 
-std::vector<std::string> logLines()
-{
-    std::vector<std::string> lines;
-    std::string log = readLog();
-    size_t start = 0;
-    for (size_t end; (end = log.find("\r\n", start)) != std::string::npos; start = end + 2) {
-        std::string line = log.substr(start, end - start);
-        bool stamped = line.size() >= 21 && line[2] == '-' && line[5] == '-' && line[10] == ' ' &&
-                       line[13] == ':' && line[16] == ':' && line.compare(19, 2, "- ") == 0;
-        lines.push_back(stamped ? line.substr(21) : line);
-    }
-    EXPECT_EQ(start, log.size()) << "the log ends with an unterminated line";
-    return lines;
-}
+std::string readLog() { return readFile(windowsFolder() + "\\TavRinInstall.log"); }
 
-bool hasLine(const std::vector<std::string>& lines, const std::string& text)
+std::string readValue(HKEY root, const char* key, const char* name)
 {
-    for (const std::string& line : lines)
-        if (line == text) return true;
-    return false;
-}
-
-void expectLogHead(const std::vector<std::string>& lines)
-{
-    ASSERT_GE(lines.size(), 15u);
-    EXPECT_EQ(lines[0], "TavRin Installation Log");
-    EXPECT_EQ(lines[1], "If you experience any problems during the installation, please forward "
-                        "this log to support@tavrin.example");
-    EXPECT_EQ(lines[2], std::string(30, '-') + " System Information " + std::string(30, '-'));
-    char windows[MAX_PATH] = "", system[MAX_PATH] = "";
-    GetWindowsDirectoryA(windows, sizeof windows);
-    GetSystemDirectoryA(system, sizeof system);
-    OSVERSIONINFOA os = {};
-    os.dwOSVersionInfoSize = sizeof os;
-    GetVersionExA(&os);
-    SYSTEM_INFO machine = {};
-    GetSystemInfo(&machine);
-    const std::string fixed[] = {
-        std::string("Windows Directory: ") + windows,
-        std::string("System Directory: ") + system,
-        "Windows OS: Windows NT",
-        "Windows Version: " + std::to_string(os.dwMajorVersion) + "." + std::to_string(os.dwMinorVersion),
-        std::string("Service Packs: ") + os.szCSDVersion,
-        "Internet Explorer Version: " +
-            readValue(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Internet Explorer", "Version"),
-    };
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(lines[3 + i], fixed[i]);
-    // A 64-bit processor has a type of its own, which the report leaves empty.
-    EXPECT_TRUE(lines[9] == "Processor: " || lines[9] == "Processor: Intel Pentium Processor" ||
-                lines[9] == "Processor: Intel 486 Processor" || lines[9] == "Processor: Intel 386 Processor")
-        << lines[9];
-    EXPECT_EQ(lines[10], "Processor Count: " + std::to_string(machine.dwNumberOfProcessors));
-    // The version of the system's wininet.dll, not its path (which stands there on failure).
-    EXPECT_EQ(lines[11].rfind("Wininet version: ", 0), 0u);
-    EXPECT_EQ(std::count(lines[11].begin(), lines[11].end(), '.'), 3) << lines[11];
-    EXPECT_EQ(lines[11].find('\\'), std::string::npos) << lines[11];
-    EXPECT_EQ(lines[12], "Connection Type: Lan") << "Wine reports a LAN";
-    EXPECT_EQ(lines[13], std::string(80, '-'));
-    EXPECT_EQ(lines[14], "Begin Installation");
-}
-
-std::string readFlag()
-{
-    char value[256] = "";
+    char value[4096] = "";
     DWORD size = sizeof value - 1;
-    if (RegGetValueA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin", "InstallInProcess", RRF_RT_REG_SZ,
-                     nullptr, value, &size) != ERROR_SUCCESS)
-        return "(none)";
+    if (RegGetValueA(root, key, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return "(none)";
     return value;
 }
 
 void writeFlag(const char* value)
 {
-    HKEY key;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin", 0, nullptr, 0, KEY_ALL_ACCESS,
-                              nullptr, &key, nullptr),
-              ERROR_SUCCESS);
-    RegSetValueExA(key, "InstallInProcess", 0, REG_SZ, reinterpret_cast<const BYTE*>(value),
-                   static_cast<DWORD>(strlen(value) + 1));
-    RegCloseKey(key);
+    ASSERT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin", "InstallInProcess", REG_SZ, value,
+                              static_cast<DWORD>(strlen(value) + 1)), ERROR_SUCCESS);
+}
+
+namespace {
+const char* const classIds[] = {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7C244-7FA0-11D3-A0E4-0A02B9000000}",
+                                "{16C7C245-7FA0-11D3-A0E4-0A02B9000000}"};
+}
+
+std::string registeredServer(int index)
+{
+    return readValue(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + classIds[index] + "\\InprocServer32").c_str(), nullptr);
 }
 
 std::string answerBox(SetupProcess& process, const std::string& caption, int button)
@@ -197,10 +146,7 @@ std::string answerBox(SetupProcess& process, const std::string& caption, int but
     }
     std::string text = uidriver::messageText(box);
     uidriver::pressButton(box, button);
-    uidriver::WindowQuery gone;
-    gone.caption = caption;
-    gone.processId = process.id();
-    uidriver::waitForWindowGone(gone, 5000);
+    uidriver::waitForWindowGone({caption, process.id()}, 5000);
     return text;
 }
 
@@ -214,87 +160,75 @@ void cancelWizard(SetupProcess& process)
 
 namespace {
 const char* const appPaths = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\IEXPLORE.EXE";
-
-void setBrowser(const std::string& command)
+const char* const standIns[] = {"http\\shell\\open\\command", "txtfile\\shell\\open\\command", ".txt"};
+void setDefault(HKEY root, const std::string& key, const std::string& value)
 {
-    RegSetKeyValueA(HKEY_LOCAL_MACHINE, appPaths, nullptr, REG_SZ, command.c_str(),
-                    static_cast<DWORD>(command.size() + 1));
+    RegSetKeyValueA(root, key.c_str(), nullptr, REG_SZ, value.c_str(), static_cast<DWORD>(value.size() + 1));
 }
 }  // namespace
 
+// Started unquoted, the browser would be C:\Program.exe, which someone has left
+// there and which records nothing (the add-on's tvdownload.exe, which ends at once).
 BrowserStandIn::BrowserStandIn(const std::string& file) : output(file)
 {
-    char old[1024] = "";
-    DWORD size = sizeof old;
-    if (RegGetValueA(HKEY_LOCAL_MACHINE, appPaths, nullptr, RRF_RT_REG_SZ, nullptr, old, &size) == ERROR_SUCCESS)
-        previous = old;
     DeleteFileA(output.c_str());
     SetEnvironmentVariableA("TAVRIN_RECORDER_OUT", output.c_str());
-    // Where the browser is on Windows: in a folder with a blank. Started
-    // unquoted, it would be C:\Program.exe, which someone has left there and
-    // which records nothing (the add-on's tvdownload.exe, which ends at once).
-    const std::string folder = "C:\\Program Files\\Browser Stand-In";
+    const std::string folder = "C:\\Program Files\\Browser Stand-In", recorder = "\"" + folder + "\\recorder.exe\" \"%1\"";
     CreateDirectoryA(folder.c_str(), nullptr);
     CopyFileA((testFolder() + "recorder.exe").c_str(), (folder + "\\recorder.exe").c_str(), FALSE);
     CopyFileA((testFolder() + "..\\..\\payload\\tvdownload.exe").c_str(), "C:\\Program.exe", FALSE);
-    setBrowser(folder + "\\recorder.exe");
+    for (const char* key : standIns) previous.emplace_back(key, readValue(HKEY_CLASSES_ROOT, key, nullptr));
+    previous.emplace_back(appPaths, readValue(HKEY_LOCAL_MACHINE, appPaths, nullptr));
+    setDefault(HKEY_CLASSES_ROOT, standIns[0], recorder);
+    setDefault(HKEY_CLASSES_ROOT, standIns[1], recorder);
+    setDefault(HKEY_CLASSES_ROOT, standIns[2], "txtfile");
+    setDefault(HKEY_LOCAL_MACHINE, appPaths, folder + "\\recorder.exe");
 }
 
 BrowserStandIn::~BrowserStandIn()
 {
-    setBrowser(previous);
+    for (auto& kept : previous)
+        setDefault(kept.first == appPaths ? HKEY_LOCAL_MACHINE : HKEY_CLASSES_ROOT, kept.first,
+                   kept.second == "(none)" ? "" : kept.second);
     DeleteFileA("C:\\Program.exe");
 }
 
-bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
-std::string readValue(HKEY root, const char* key, const char* name)
+std::string BrowserStandIn::seenOnce(const char* awaited) const
 {
-    char value[4096] = "";
-    DWORD size = sizeof value - 1;
-    if (RegGetValueA(root, key, name, RRF_RT_REG_SZ, nullptr, value, &size) != ERROR_SUCCESS) return "(none)";
-    return value;
+    std::string opened;
+    eventually([&] { return (opened = seen()).find(awaited) != std::string::npos; }, 20000);
+    return opened;
 }
 
 const std::string installFolder = "C:\\Program Files\\TavRin";
 
 void removeInstallation()
 {
-    WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((installFolder + "\\*").c_str(), &found);
-    if (search != INVALID_HANDLE_VALUE) {
-        do {
-            std::string path = installFolder + "\\" + found.cFileName;
-            SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            DeleteFileA(path.c_str());
-        } while (FindNextFileA(search, &found));
-        FindClose(search);
-    }
+    emptyFolder(installFolder);
     RemoveDirectoryA(installFolder.c_str());
-    for (const char* guid : {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7C244-7FA0-11D3-A0E4-0A02B9000000}",
-                             "{16C7C245-7FA0-11D3-A0E4-0A02B9000000}"})
-        RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + guid).c_str());
+    for (const char* guid : classIds) RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + guid).c_str());
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin");
     RegDeleteKeyValueA(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "TavRin");
     RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce", "TavRinUninstall");
-    char windows[MAX_PATH];
-    GetWindowsDirectoryA(windows, sizeof windows);
-    DeleteFileA((std::string(windows) + "\\INF\\tvuninst.inf").c_str());
+    DeleteFileA((windowsFolder() + "\\INF\\tvuninst.inf").c_str());
     // What a run that was killed, or left with a box open by a failed test, kept.
-    const std::string extraction = tempFolder() + "tavrin";
-    emptyFolder(extraction);
-    RemoveDirectoryA(extraction.c_str());
+    emptyFolder(tempFolder() + "tavrin");
+    RemoveDirectoryA((tempFolder() + "tavrin").c_str());
     writeFlag("0");
 }
 
-namespace {
-bool eventually(const std::function<bool()>& condition, DWORD timeoutMs = 10000)
+void MachineTest::SetUp()
 {
-    for (DWORD waited = 0; waited < timeoutMs; waited += 50, Sleep(50))
-        if (condition()) return true;
-    return false;
+    TearDown();
+    CreateDirectoryA(installFolder.c_str(), nullptr);
 }
-}  // namespace
+
+void MachineTest::TearDown()
+{
+    SetEnvironmentVariableA("TMP", nullptr);  // one a test moved: GetTempPathA falls back on TEMP
+    RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin\\Debug");
+    removeInstallation();
+}
 
 HWND pageShowing(HWND frame, int id, const char* text, DWORD timeoutMs)
 {
@@ -328,18 +262,34 @@ void finishOpeningNothing(HWND frame, HWND finishPage)
     uidriver::pressButton(frame, IDCANCEL);
 }
 
+namespace {
+// From the folder page on show (given `newFolder`, made when asked) past the ready page.
+bool copyFromFolderPage(SetupProcess& setup, HWND frame, const std::string& newFolder, bool madeWhenAsked)
+{
+    HWND page = pageShowing(frame, 1005);
+    if (!page) return false;
+    if (!newFolder.empty()) uidriver::setControlText(page, 1005, newFolder);
+    uidriver::pressButton(frame, 1001);
+    if (madeWhenAsked) answerBox(setup, "Create Folder", IDYES);
+    if (!pageShowing(frame, 0, "TavRin Personal Installation is almost complete!")) return false;
+    return uidriver::pressButton(frame, 1001);  // ready: the copy starts
+}
+}  // namespace
+
 std::string installFromFolderPage(SetupProcess& setup, HWND frame)
 {
-    if (!pageShowing(frame, 1005)) return "no folder page";
-    uidriver::pressButton(frame, 1001);
-    answerBox(setup, "Create Folder", IDYES);
-    if (!pageShowing(frame, 0, "TavRin Personal Installation is almost complete!")) return "no ready page";
-    uidriver::pressButton(frame, 1001);
-    HWND finish = pageShowing(frame, 1018);
+    HWND finish = copyFromFolderPage(setup, frame, "", true) ? pageShowing(frame, 1018) : nullptr;
     if (!finish) return "no finish page";
     finishOpeningNothing(frame, finish);
     int code = setup.wait();
     return code == 0 ? "" : "exit code " + std::to_string(code);
+}
+
+HWND startCopy(SetupProcess& setup, const std::string& newFolder)
+{
+    HWND frame = setup.window(wizardCaption, 20000);
+    if (!frame || !uidriver::pressButton(frame, 1001) || !keepExistingAccount(frame)) return nullptr;
+    return copyFromFolderPage(setup, frame, newFolder, !newFolder.empty()) ? frame : nullptr;
 }
 
 namespace {
@@ -349,8 +299,7 @@ std::string programOf(const std::string& commandLine)
 {
     for (size_t end = commandLine.find(' ');; end = commandLine.find(' ', end + 1)) {
         std::string candidate = commandLine.substr(0, end);
-        size_t name = candidate.find_last_of('\\') + 1;
-        if (candidate.find('.', name) == std::string::npos) candidate += ".exe";
+        if (candidate.find('.', candidate.find_last_of('\\') + 1) == std::string::npos) candidate += ".exe";
         DWORD attributes = GetFileAttributesA(candidate.c_str());
         if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return candidate;
         if (end == std::string::npos) return "";
@@ -360,16 +309,12 @@ std::string programOf(const std::string& commandLine)
 
 bool runToEnd(std::string commandLine, DWORD timeoutMs)
 {
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION info = {};
-    // Windows hands the line to the program unchanged. Wine's CreateProcessA
-    // puts the program it found in quotes, which would hide a line that Windows
-    // cuts: the program is found here, as Windows finds it, and named.
+    // Windows hands the line to the program unchanged. Wine's CreateProcessA puts
+    // the program it found in quotes, which would hide a line that Windows cuts:
+    // the program is found here, as Windows finds it, and named.
     std::string program = commandLine[0] == '"' ? "" : programOf(commandLine);
-    if (!CreateProcessA(program.empty() ? nullptr : program.c_str(), &commandLine[0], nullptr, nullptr, FALSE, 0,
-                        nullptr, nullptr, &startup, &info))
-        return false;
+    PROCESS_INFORMATION info = {};
+    if (!start(program.empty() ? nullptr : program.c_str(), commandLine, info)) return false;
     bool ended = WaitForSingleObject(info.hProcess, timeoutMs) == WAIT_OBJECT_0;
     CloseHandle(info.hProcess);
     CloseHandle(info.hThread);
@@ -377,43 +322,12 @@ bool runToEnd(std::string commandLine, DWORD timeoutMs)
 }
 
 WindowHost::WindowHost(const std::string& record, const std::vector<std::string>& windows)
+    : process([&] {
+          std::string arguments = "\"" + record + "\"";
+          for (const std::string& window : windows) arguments += " \"" + window + "\"";
+          return arguments;
+      }(), exists(testFolder() + "windowhost.exe") ? testFolder() + "windowhost.exe"
+                                                   : testFolder() + "..\\process\\windowhost.exe")
 {
-    std::string program = testFolder() + "windowhost.exe";
-    if (!exists(program)) program = testFolder() + "..\\process\\windowhost.exe";
-    std::string commandLine = "\"" + program + "\" \"" + record + "\"";
-    for (const std::string& window : windows) commandLine += " \"" + window + "\"";
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
-        ADD_FAILURE() << "cannot start windowhost.exe: error " << GetLastError();
-    else
-        WaitForInputIdle(info.hProcess, 10000);
-}
-
-WindowHost::~WindowHost()
-{
-    if (!info.hProcess) return;
-    TerminateProcess(info.hProcess, 0);
-    WaitForSingleObject(info.hProcess, 5000);
-    CloseHandle(info.hProcess);
-    CloseHandle(info.hThread);
-}
-
-void emptyFolder(const std::string& folder)
-{
-    WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        std::string name = found.cFileName, path = folder + "\\" + name;
-        if (name == "." || name == "..") continue;
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            emptyFolder(path);
-            RemoveDirectoryA(path.c_str());
-        } else {
-            SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            DeleteFileA(path.c_str());
-        }
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
+    WaitForInputIdle(process.handle(), 10000);
 }

@@ -2,86 +2,89 @@
 #include <windows.h>
 
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "UiDriver.h"
 
+std::string testFolder();  // the folder of the test program, with a trailing backslash
 std::string setupPath();
-// A test variant of SETUP.EXE: the same program with another cabinet.
-std::string variantPath(const std::string& variant);
+std::string variantPath(const std::string& variant);  // SETUP.EXE with another cabinet
+std::string built(const std::string& path);  // a file below build/<arch>, as the build made it
 
-// SETUP.EXE started as a user would start it, and what it leaves behind.
+// SETUP.EXE (or `program`) started as a user starts it; killed if it outlives the test.
 class SetupProcess {
 public:
     explicit SetupProcess(const std::string& arguments, const std::string& program = setupPath());
     ~SetupProcess();
-    // Waits for the end; returns the exit code, or -1 if it did not end in time.
-    int wait(DWORD timeoutMs = 20000);
+    int wait(DWORD timeoutMs = 20000);  // the exit code, or -1 if it did not end in time
     // The visible window of this process with that caption, or null after the wait.
     HWND window(const std::string& caption, DWORD timeoutMs = 10000);
     void kill();
     DWORD id() const { return info.dwProcessId; }
+    HANDLE handle() const { return info.hProcess; }
 
 private:
     PROCESS_INFORMATION info = {};
 };
 
-std::string testFolder();  // the folder of the test program, with a trailing backslash
-std::string readLog();     // TavRinInstall.log of the Windows directory
-// The log's lines without their "DD-MM-YYYY HH:MM:SS- " stamps; a line whose
-// stamp is malformed is kept whole, so that a comparison shows it.
-std::vector<std::string> logLines();
-bool hasLine(const std::vector<std::string>& lines, const std::string& text);
-// The head every run's log opens with: its two header lines, the system report
-// (each value as this machine gives it), "Begin Installation".
-void expectLogHead(const std::vector<std::string>& lines);
+std::string readLog();  // TavRinInstall.log of the Windows directory
 std::string tempFolder();  // GetTempPathA, with its trailing backslash
+std::string windowsFolder();
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& data);
-// The InstallInProcess flag under HKCU\SOFTWARE\Tavrin; "(none)" if missing.
-std::string readFlag();
-void writeFlag(const char* value);
-
-bool exists(const std::string& path);
+inline bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 // Deletes everything below `folder` (names that begin with a point too), not the folder.
 void emptyFolder(const std::string& folder);
 // A string value of the registry; "(none)" when it cannot be read.
 std::string readValue(HKEY root, const char* key, const char* name);
+// The InstallInProcess flag under HKCU\SOFTWARE\Tavrin.
+inline std::string readFlag() { return readValue(HKEY_CURRENT_USER, "SOFTWARE\\Tavrin", "InstallInProcess"); }
+void writeFlag(const char* value);
+std::string registeredServer(int index);  // the file of the product's class 0, 1 or 2
 
 // The wizard's page on show that holds a visible control with this id, or a
 // static with this text; null when none comes within the time.
 HWND pageShowing(HWND frame, int id, const char* text = nullptr, DWORD timeoutMs = 20000);
-// Page 117 as a user without a new account passes it: "I already have an
-// account" (or "I want to use my existing account"), then Next. False when no
-// such page came up.
+// Page 117 passed without a new account: "I already have an account", then Next.
 bool keepExistingAccount(HWND frame);
 // Unticks the finish page's two boxes, so that Finish opens nothing, and presses Finish.
 void finishOpeningNothing(HWND frame, HWND finishPage);
-// From the folder page on show: into its folder (made when the wizard asks),
-// past the ready page and the copy, to a Finish that opens nothing. Empty when
-// the run then ends with 0, else what went otherwise.
+// From the folder page on: into its folder (made when asked), past the ready page
+// and the copy, to a Finish that opens nothing. Empty when the run then ends with 0.
 std::string installFromFolderPage(SetupProcess& setup, HWND frame);
-// Runs a command line to its end, as Windows runs a RunOnce value; false if it
-// did not start or did not end in time.
-bool runToEnd(std::string commandLine, DWORD timeoutMs = 30000);
+// A run walked to the start of the copy: into the default folder, or into
+// `newFolder`, made when asked. The frame, or null.
+HWND startCopy(SetupProcess& setup, const std::string& newFolder = "");
+bool runToEnd(std::string commandLine, DWORD timeoutMs = 30000);  // as Windows runs a RunOnce value
 
-// The product's default folder, which a quiet run needs to exist.
-extern const std::string installFolder;
-// A machine without the product: no folder, files, registrations or entries.
+extern const std::string installFolder;  // the product's default folder
+// A machine without the product: no folder, files, registrations, entries or flag.
 void removeInstallation();
+// A test on a machine without the product, nor a development override, but with
+// its default folder (where quiet runs install).
+class MachineTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+};
 
-// For the length of a test the browser is the recorder: App Paths\IEXPLORE.EXE
-// names it, and what it is started with lands in `output` (through the
-// environment, which the program and its children inherit).
+// For the length of a test the recorder plays the browser (App Paths\IEXPLORE.EXE,
+// in a folder with a blank), the shell's web links and text documents: what it
+// is started with lands in `output`, through the environment.
 class BrowserStandIn {
 public:
     explicit BrowserStandIn(const std::string& output);
     ~BrowserStandIn();
     std::string seen() const { return readFile(output); }
+    // What was opened once `awaited` is among it, or after 20 s.
+    std::string seenOnce(const char* awaited) const;
 
 private:
     std::string output;
-    std::string previous;
+    std::vector<std::pair<std::string, std::string>> previous;  // key, value
 };
 
 // The wizard's frame window: its caption holds the first file's version.
@@ -97,9 +100,8 @@ std::string answerBox(SetupProcess& process, const std::string& caption, int but
 class WindowHost {
 public:
     WindowHost(const std::string& record, const std::vector<std::string>& windows);
-    ~WindowHost();
-    bool ended(DWORD timeoutMs) { return WaitForSingleObject(info.hProcess, timeoutMs) == WAIT_OBJECT_0; }
+    bool ended(DWORD timeoutMs) { return process.wait(timeoutMs) != -1; }
 
 private:
-    PROCESS_INFORMATION info = {};
+    SetupProcess process;
 };

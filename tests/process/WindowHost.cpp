@@ -18,10 +18,7 @@ LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         std::string line = std::string("closed ") + title + "\r\n";
         HANDLE file = CreateFileA(record.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, 0, nullptr);
         DWORD written = 0;
-        if (file != INVALID_HANDLE_VALUE) {
-            WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
-            CloseHandle(file);
-        }
+        if (WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr)) CloseHandle(file);
     }
     if (message == WM_DESTROY && --openWindows == 0) PostQuitMessage(0);
     return DefWindowProcA(window, message, wParam, lParam);
@@ -39,10 +36,8 @@ int main(int argc, char** argv)
         size_t equals = request.find('=');
         if (equals == std::string::npos) return 2;
         std::string className = request.substr(0, equals), title = request.substr(equals + 1);
-        WNDCLASSA windowClass = {};
-        windowClass.lpfnWndProc = windowProc;
-        windowClass.hInstance = GetModuleHandleA(nullptr);
-        windowClass.lpszClassName = className.c_str();
+        WNDCLASSA windowClass = {0, windowProc, 0, 0, GetModuleHandleA(nullptr), nullptr, nullptr, nullptr, nullptr,
+                                 className.c_str()};
         RegisterClassA(&windowClass);  // a second window of a class finds it registered
         HWND window = CreateWindowA(className.c_str(), title.c_str(), WS_OVERLAPPEDWINDOW, 10 + 20 * i,
                                     10 + 20 * i, 300, 200, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
@@ -51,9 +46,6 @@ int main(int argc, char** argv)
         if (!hidden) ShowWindow(window, SW_SHOWNOACTIVATE);
     }
     MSG message;
-    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
     return 0;
 }
