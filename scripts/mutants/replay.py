@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Replays the faults of faults.txt: each one alone, in a copy of the source tree
-(build/mutants/src, kept between runs so that builds are incremental), built for
-x64 and run against the Windows tests. Prints which tests each fault fails and
+(build/mutants/tree, or build/mutants/<commit> with --at; kept between runs so
+that builds are incremental), built for x64 and run against the Windows tests,
+which must pass without a fault first. Prints which tests each fault fails and
 exits 1 when one of them passes every test, or no longer applies to the source.
 
   scripts/mutants/replay.py              every fault, every test
@@ -11,13 +12,11 @@ exits 1 when one of them passes every test, or no longer applies to the source.
 import argparse
 import os
 import re
-import shutil
 import subprocess
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TOP = os.path.dirname(os.path.dirname(HERE))
-COPY = os.path.join(TOP, "build", "mutants", "src")
 REPORT = os.path.join(TOP, "build", "mutants", "report.txt")
 
 
@@ -37,6 +36,9 @@ def read_faults(path):
             else:
                 raise SystemExit(f"faults.txt: cannot read '{line}' in '{current['title']}'")
     return faults
+
+
+COPY = None  # build/mutants/<commit or "tree">: a copy of the source tree with its own builds
 
 
 def tree_files(commit):
@@ -102,6 +104,14 @@ def failed_tests(output):
     return names
 
 
+def run_tests(quick):
+    command = [os.path.join(COPY, "scripts", "run-tests.sh"), "--windows-only"]
+    if quick:
+        command.append("--stop-on-failure")
+    run = subprocess.run(command, cwd=COPY, capture_output=True, text=True, errors="replace")
+    return run.returncode == 0, failed_tests(run.stdout + run.stderr)
+
+
 def replay(number, fault, quick):
     path = os.path.join(COPY, fault["file"])
     with open(path, encoding="utf-8", newline="") as f:
@@ -117,12 +127,8 @@ def replay(number, fault, quick):
         if not built:
             print(log, file=sys.stderr)
             return "does not build", []
-        command = [os.path.join(COPY, "scripts", "run-tests.sh"), "--windows-only"]
-        if quick:
-            command.append("--stop-on-failure")
-        run = subprocess.run(command, cwd=COPY, capture_output=True, text=True, errors="replace")
-        names = failed_tests(run.stdout + run.stderr)
-        return ("caught" if run.returncode != 0 else "SURVIVED"), names
+        passed, names = run_tests(quick)
+        return ("SURVIVED" if passed else "caught"), names
     finally:
         with open(path, "w", encoding="utf-8", newline="") as f:
             f.write(original)
@@ -134,12 +140,19 @@ def main():
     parser.add_argument("--quick", action="store_true", help="stop each run at its first failing test")
     parser.add_argument("--at", metavar="COMMIT", help="the tree of a commit instead of the working tree")
     args = parser.parse_args()
+    global COPY
+    COPY = os.path.join(TOP, "build", "mutants", args.at or "tree")
     faults = read_faults(os.path.join(HERE, "faults.txt"))
     chosen = args.numbers or range(1, len(faults) + 1)
     sync_copy(args.at)
     built, log = build()
     if not built:
         print(log, file=sys.stderr)
+        return 1
+    # A fault is caught only by tests that pass without it.
+    passed, names = run_tests(False)
+    if not passed:
+        print(f"The tests fail without a fault: {', '.join(names)}", file=sys.stderr)
         return 1
     status, lines = 0, []
     for number in chosen:
