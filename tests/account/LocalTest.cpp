@@ -13,6 +13,7 @@
 #include "FolderLink.h"
 #include "account/AccountDetails.h"
 #include "account/AccountExchanges.h"
+#include "account/CookieDate.h"
 #include "account/ConnectionState.h"
 #include "account/CookieStore.h"
 #include "account/FavoritesImport.h"
@@ -98,6 +99,15 @@ TEST(Cookies, TextsOfASignUpAndLookup)
     size = 55;
     EXPECT_FALSE(readCookie("http://nothing.account.test/", "passport", nullptr, size));
     EXPECT_EQ(55u, size);
+
+    // An expiry moved beyond the range of a file time once landed on another date.
+    const SYSTEMTIME leapDay = {2024, 2, 4, 29, 20, 0, 5, 0};
+    for (long long seconds : {0x7FFFFFFFFFFFFFFFLL, -0x7FFFFFFFFFFFFFFFLL - 1, 1LL << 40, -14000000000LL, 43200LL}) {
+        SYSTEMTIME moved = leapDay;
+        addSeconds(moved, seconds);
+        EXPECT_EQ(seconds == 43200 ? 3 : 2, moved.wMonth) << seconds;
+        EXPECT_EQ(seconds == 43200 ? 8 : 20, moved.wHour) << seconds;
+    }
 }
 
 namespace {
