@@ -33,7 +33,8 @@ TEST(CloseWindows, ListsTheScanSortedNextClosesWhatTheLastScanFoundSkipNothing)
             char row[256];
             for (LRESULT i = 0, n = SendDlgItemMessageA(page->hwnd, 1014, LB_GETCOUNT, 0, 0); id == 101 && i < n; ++i)
                 lines.push_back(SendDlgItemMessageA(page->hwnd, 1014, LB_GETTEXT, i, LPARAM(row)) < 0 ? "?" : row);
-            for (size_t start = 0, end; id != 101 && (end = text.find("\r\n", start)) != std::string::npos; start = end + 2)
+            for (size_t start = 0, end; id != 101 && (end = text.find("\r\n", start)) != std::string::npos;
+                 start = end + 2)
                 lines.push_back(text.substr(start, end - start));
             if (id != 101) std::sort(lines.begin(), lines.end());  // closed in any order, listed sorted
             return onPage(wizard, id) && IsWindowVisible(wizard.findPage(id)->hwnd) && lines == expected;

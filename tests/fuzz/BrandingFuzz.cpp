@@ -36,8 +36,10 @@ bool decode(const std::string& file, CBranding& out, std::string& logo)
     };
     CBranding b;
     if (!take(8) || !text(b.label, brandingLabelLimit) || !text(b.linkUrl, brandingLinkLimit) || !take(8)) return false;
-    b.partnerIdA = static_cast<int>(wordAt(file, end - length)), b.partnerIdB = static_cast<int>(wordAt(file, end - length + 4));
-    b.extra = static_cast<int>(wordAt(file, at - 8)), b.bitmapSize = static_cast<int>(wordAt(file, at - 4)), b.present = 1;
+    b.partnerIdA = static_cast<int>(wordAt(file, end - length)),
+    b.partnerIdB = static_cast<int>(wordAt(file, end - length + 4));
+    b.extra = static_cast<int>(wordAt(file, at - 8)), b.bitmapSize = static_cast<int>(wordAt(file, at - 4)),
+    b.present = 1;
     if (b.bitmapSize < 0 || !take(static_cast<uint32_t>(b.bitmapSize))) return false;
     return logo = file.substr(at - b.bitmapSize, b.bitmapSize), out = b, true;
 }
@@ -53,15 +55,17 @@ TEST(Fuzz, BrandingTrailers)
         const std::string label = least ? "" : random.text(random.length(300)),
                           link = least ? "" : "http://" + random.text(random.length(1100)),
                           logo = least || random.percent(10) ? "" : "BM" + random.bytes(random.length(20000));
-        const std::string fields = random.bytes(8) + word32(label.size()) + label + word32(link.size()) + link + word32(7) +
-                                   word32(random.percent(10) ? 0 : logo.size()) + logo + random.bytes(least ? 0 : random.below(16)),
+        const std::string fields = random.bytes(8) + word32(label.size()) + label + word32(link.size()) + link +
+                                   word32(7) + word32(random.percent(10) ? 0 : logo.size()) + logo +
+                                   random.bytes(least ? 0 : random.below(16)),
                           block = fields + word32(fields.size() + 7) + "tvd";
         const size_t start = random.percent(10) ? random.below(4096) : 4096 + random.below(3000);
         std::string file = random.bytes(start) + block + random.bytes(random.percent(50) ? 0 : random.length(4200));
         if (random.percent(25)) {  // a length word set off by one or to an odd value
-            const size_t at =
-                start + std::vector<size_t>{8, 12 + label.size(), 20 + label.size() + link.size(), block.size() - 7}[random.below(4)];
-            const uint32_t odd[] = {wordAt(file, at) + 1, wordAt(file, at) - 1, UINT32_MAX, 0x80000000u, uint32_t(file.size())};
+            const size_t at = start + std::vector<size_t>{8, 12 + label.size(), 20 + label.size() + link.size(),
+                                                          block.size() - 7}[random.below(4)];
+            const uint32_t odd[] = {wordAt(file, at) + 1, wordAt(file, at) - 1, UINT32_MAX, 0x80000000u,
+                                    uint32_t(file.size())};
             file.replace(at, 4, word32(odd[random.below(5)]));
         } else if (random.percent(33)) {
             file.resize(random.below(file.size() + 1));  // cut short

@@ -43,26 +43,29 @@ std::string generate(CFuzzRandom& random, size_t folderLength, std::vector<std::
 {
     const std::string eol = random.pick(Tokens{"\r\n", "\r\n", "\r\n", "\n", "\r"});
     std::string text = anyCase(random, "[Install]") + eol;
-    for (const char* key : {"TITLE", "COMPANY", "COPYRIGHT", "PANEL", "AGREEMENT", "README", "regoserver", "regocommand",
-                            "importserver"})
+    for (const char* key :
+         {"TITLE", "COMPANY", "COPYRIGHT", "PANEL", "AGREEMENT", "README", "regoserver", "regocommand", "importserver"})
         if (random.percent(70)) text += anyCase(random, key) + "=" + value(random) + eol;
-    text += "[Defaults]" + eol + "DefaultDir=" + random.pick(macros) + value(random) + eol + anyCase(random, "[Files]") + eol;
+    text += "[Defaults]" + eol + "DefaultDir=" + random.pick(macros) + value(random) + eol +
+            anyCase(random, "[Files]") + eol;
     for (size_t i = 0, count = random.percent(2) ? random.below(200) : random.below(6); i < count; ++i) {
         const std::string stem = "F" + std::to_string(i);
         files.push_back(Tokens{random.pick(Tokens{"C:\\", "C:", "..\\", "\\", "sub\\..\\"}) + stem, "sub\\" + stem,
                                stem + std::string(MAX_PATH - folderLength - stem.size() - random.below(4), 'L'),
-                               stem + random.bytes(1 + random.below(4), "\x80\xE9\xFF !#%&'()+,;@^_`{}~") + ".exe", stem + ".DLL",
-                               stem + ".dll"}[random.below(6)]);
+                               stem + random.bytes(1 + random.below(4), "\x80\xE9\xFF !#%&'()+,;@^_`{}~") + ".exe",
+                               stem + ".DLL", stem + ".dll"}[random.below(6)]);
         text += files.back() + "=" + value(random) + eol;
     }
     for (const std::string& file : files) {
         text += "[" + file + "]" + eol;
         for (const char* key : {"AutoReg", "ACMREG", "Signed", "UpgradeCheck", "Destination", "RegGuid"})
-            if (random.percent(50)) text += key + ("=" + random.pick(Tokens{"TRUE", " true", "1", "", "{", "%TITLE%\\"})) + eol;
+            if (random.percent(50))
+                text += key + ("=" + random.pick(Tokens{"TRUE", " true", "1", "", "{", "%TITLE%\\"})) + eol;
     }
     for (const std::string section : {"[DetectKill]", "[CHECKREGISTRY]"})  // lists of versions and junk
         for (size_t n = (text += section + eol, random.percent(5) ? random.below(300) : random.below(4)); n > 0; --n)
-            text += "K" + std::to_string(n) + "=" + random.pick(versions) + std::string(random.below(3), ',') + value(random) + eol;
+            text += "K" + std::to_string(n) + "=" + random.pick(versions) + std::string(random.below(3), ',') +
+                    value(random) + eol;
     return text;
 }
 
@@ -80,7 +83,8 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
     int outcomes[2] = {0, 0};
     runCases("setup.ini", 250, [&](CFuzzRandom& random) {
         std::vector<std::string> files, read;
-        const std::string text = generate(random, folder.size(), files), mutated = random.mutate(text, iniTokens, 40, 8, 200000);
+        const std::string text = generate(random, folder.size(), files),
+                          mutated = random.mutate(text, iniTokens, 40, 8, 200000);
         ASSERT_TRUE(writeBytes(folder + "\\setup.ini", mutated));
         wizard.cabinet.entries.clear();  // most of the files, some in another case, and others
         for (const std::string& name : files)
@@ -92,9 +96,10 @@ TEST_F(CDescriptionFuzz, SetupDescriptions)
         const CInstallSettings& s = wizard.settings;
         bool wellFormed = true;
         for (const CInstallFile& file : s.files) {
-            const bool listed = std::any_of(wizard.cabinet.entries.begin(), wizard.cabinet.entries.end(), [&](const CCabinetEntry& e) {
-                return equalsNoCase(e.name.substr(0, 259).c_str(), file.fileName.substr(0, 259).c_str());
-            });
+            const bool listed =
+                std::any_of(wizard.cabinet.entries.begin(), wizard.cabinet.entries.end(), [&](const CCabinetEntry& e) {
+                    return equalsNoCase(e.name.substr(0, 259).c_str(), file.fileName.substr(0, 259).c_str());
+                });
             wellFormed = wellFormed && listed && isPlainMemberName(file.fileName.c_str()) &&
                          folder.size() + 1 + file.fileName.size() < MAX_PATH;
             read.push_back(file.fileName);
@@ -124,7 +129,8 @@ TEST_F(CDescriptionFuzz, DescriptionReaders)
 {
     runCases("setup.ini readers", 6000, [this](CFuzzRandom& random) {
         std::string list;
-        for (size_t n = random.below(random.percent(10) ? 200 : 8); n > 0; --n) list += value(random).c_str() + std::string(1, '\0');
+        for (size_t n = random.below(random.percent(10) ? 200 : 8); n > 0; --n)
+            list += value(random).c_str() + std::string(1, '\0');
         list = random.mutate(list + '\0', iniTokens, 30, 5, 4000);
         const size_t size = 1 + random.below(1024);
         list.resize(size, '\x01');  // a buffer full to its end, or cut without its zeros
@@ -153,7 +159,8 @@ TEST_F(CDescriptionFuzz, DescriptionReaders)
         const bool titled = macroText.find('%') == 0 && macroText.rfind('%') == 6 && macroText.size() < capacity &&
                             title.find('%') == std::string::npos;
         if (titled || macroText.find('%') == std::string::npos) {
-            EXPECT_EQ((titled ? title.substr(0, 254) + macroText.substr(7) : macroText).substr(0, capacity - 1), buffer.c_str());
+            EXPECT_EQ((titled ? title.substr(0, 254) + macroText.substr(7) : macroText).substr(0, capacity - 1),
+                      buffer.c_str());
         }
     });
 }
@@ -161,10 +168,12 @@ TEST_F(CDescriptionFuzz, DescriptionReaders)
 // Every field within its buffer: the first token, its flags, and behind the first blank a restart's script.
 TEST(Fuzz, CommandLines)
 {
-    const Tokens tokens = {"/q", "/Q", "/t", "/T", "/?", "-restart", "-RESTART", " ", "  ", "\t", "\"", "x", "C:\\a.rss"};
+    const Tokens tokens = {"/q", "/Q", "/t", "/T", "/?", "-restart", "-RESTART",
+                           " ",  "  ", "\t", "\"", "x",  "C:\\a.rss"};
     runCases("command line", 6000, [&](CFuzzRandom& random) {
         std::string line;
-        for (size_t n = random.below(8); n > 0; --n) line += random.percent(85) ? random.pick(tokens) : random.text(random.length(300));
+        for (size_t n = random.below(8); n > 0; --n)
+            line += random.percent(85) ? random.pick(tokens) : random.text(random.length(300));
         line = random.mutate(line, tokens, 30, 4, 20000).c_str();  // the system hands over a zero-terminated text
         const CCommandLine parsed = parseCommandLine(line.c_str());
         const size_t blank = line.find(' ');
@@ -187,8 +196,9 @@ TEST(FuzzRegression, RestartRemovesOnlyTheFolderOfItsScript)
     const std::string folder = fuzzFolder("restart-source"), script = folder + "\\tavrin.rss";
     for (const std::string& same : {folder, folder + "\\", folder + "\\sub\\.."})
         EXPECT_TRUE(isScriptFolder(same.c_str(), script.c_str())) << same;
-    for (const std::string& other : {folder.substr(0, folder.rfind('\\')), folder.substr(0, 3), std::string("Z:\\"),
-                                     folder + "\\sub", folder.substr(0, folder.size() - 1), std::string(""), std::string("\\")})
+    for (const std::string& other :
+         {folder.substr(0, folder.rfind('\\')), folder.substr(0, 3), std::string("Z:\\"), folder + "\\sub",
+          folder.substr(0, folder.size() - 1), std::string(""), std::string("\\")})
         EXPECT_FALSE(isScriptFolder(other.c_str(), script.c_str())) << other;
     RemoveDirectoryA(folder.c_str());
 }

@@ -23,7 +23,8 @@ std::string CFuzzRandom::bytes(size_t count, const std::string& alphabet)
 std::string CFuzzRandom::text(size_t count)
 {
     std::string out(count, '\0');
-    for (char& c : out) c = static_cast<char>(percent(5) ? (percent(50) ? 0x80 + below(128) : 1 + below(31)) : 32 + below(95));
+    for (char& c : out)
+        c = static_cast<char>(percent(5) ? (percent(50) ? 0x80 + below(128) : 1 + below(31)) : 32 + below(95));
     return out;
 }
 
@@ -39,7 +40,8 @@ std::string CFuzzRandom::mutate(std::string data, const Tokens& tokens, int chan
         case 1: data[below(data.size())] = oddBytes[below(sizeof oddBytes - 1)]; break;
         case 2:  // an odd length word, or one near the data's own length
             if (data.size() >= 4)
-                data.replace(below(data.size() - 3), 4, word32(percent(30) ? data.size() + below(9) - 4 : oddWords[below(11)]));
+                data.replace(below(data.size() - 3), 4,
+                             word32(percent(30) ? data.size() + below(9) - 4 : oddWords[below(11)]));
             break;
         case 3: data.insert(at, bytes(1 + below(8))); break;
         case 4: data.erase(at, 1 + length(64)); break;
@@ -48,7 +50,8 @@ std::string CFuzzRandom::mutate(std::string data, const Tokens& tokens, int chan
         case 7: data.insert(at, text(length(300))); break;
         default: {  // a piece repeated, now and then many times
             std::string piece = data.substr(below(data.size()), 1 + below(200)), repeated;
-            for (size_t i = percent(10) ? 1 + below(2000) : 1 + below(3); i > 0 && repeated.size() < maxSize; --i) repeated += piece;
+            for (size_t i = percent(10) ? 1 + below(2000) : 1 + below(3); i > 0 && repeated.size() < maxSize; --i)
+                repeated += piece;
             data.insert(at, repeated);
         }
         }
@@ -62,8 +65,9 @@ int refusedDialogs = 0;
 
 static LRESULT CALLBACK refuseDialogs(int code, WPARAM wParam, LPARAM lParam)
 {
-    const bool dialog = code == HCBT_CREATEWND &&  // of the class #32770
-                        reinterpret_cast<ULONG_PTR>(reinterpret_cast<CBT_CREATEWNDA*>(lParam)->lpcs->lpszClass) == 0x8002;
+    const bool dialog =
+        code == HCBT_CREATEWND &&  // of the class #32770
+        reinterpret_cast<ULONG_PTR>(reinterpret_cast<CBT_CREATEWNDA*>(lParam)->lpcs->lpszClass) == 0x8002;
     return dialog ? (++refusedDialogs, 1) : CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
@@ -85,8 +89,9 @@ void runCases(const char* family, int count, const std::function<void(CFuzzRando
     for (int i = 0; i < count && !::testing::Test::HasFailure(); ++i) {
         const uint64_t seed = replay && *replay ? std::strtoull(replay, nullptr, 0)
                                                 : CFuzzRandom(familySeed + i * 0x9E3779B97F4A7C15ull).next();
-        std::snprintf(currentCase, sizeof currentCase, "%s case %d: replay with TAVRIN_FUZZ_CASE=0x%016llx --gtest_filter=%s.%s",
-                      family, i, static_cast<unsigned long long>(seed), test->test_suite_name(), test->name());
+        std::snprintf(currentCase, sizeof currentCase,
+                      "%s case %d: replay with TAVRIN_FUZZ_CASE=0x%016llx --gtest_filter=%s.%s", family, i,
+                      static_cast<unsigned long long>(seed), test->test_suite_name(), test->name());
         SCOPED_TRACE(currentCase);
         CFuzzRandom random(seed);
         refusedDialogs = 0;

@@ -14,7 +14,10 @@ using Tokens = std::vector<std::string>;
 // xorshift64*: small, fast and the same on every build.
 struct CFuzzRandom {
     explicit CFuzzRandom(uint64_t seed) : state(seed ? seed : 0x9E3779B97F4A7C15ull) {}
-    uint64_t next() { return state ^= state >> 12, state ^= state << 25, state ^= state >> 27, state * 0x2545F4914F6CDD1Dull; }
+    uint64_t next()
+    {
+        return state ^= state >> 12, state ^= state << 25, state ^= state >> 27, state * 0x2545F4914F6CDD1Dull;
+    }
     size_t below(size_t n) { return n ? static_cast<size_t>(next() % n) : 0; }
     bool percent(int chance) { return below(100) < static_cast<size_t>(chance); }
     size_t length(size_t limit);  // mostly small, sometimes near `limit`
@@ -31,6 +34,7 @@ struct CFuzzRandom {
 void runCases(const char* family, int count, const std::function<void(CFuzzRandom&)>& body);
 extern int refusedDialogs;  // in the case under way
 
-inline std::string word32(uint32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }  // little-endian
+// Little-endian, as the program's formats are.
+inline std::string word32(uint32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }
 std::string fuzzFolder(const std::string& name);  // made under the temp folder, as long in every run
 bool writeBytes(const std::string& path, const std::string& data);

@@ -40,33 +40,41 @@ TEST(Fuzz, ServerReplies)
     const std::string url = serviceUrl() + "/fuzz/reply";
     ASSERT_NE("/fuzz/reply", url) << "TAVRIN_SERVICE_URL is not set";
     runCases("server reply", 250, [&](CFuzzRandom& random) {
-        int status = random.percent(70) ? random.pick(std::vector<int>{200, 200, 201, 400, 404, 500, 503}) : 200 + int(random.below(400));
-        if (status == 403 || status == 407 || status == 204 || status == 304) status = 200;  // a proxy password; no body
+        int status = random.percent(70) ? random.pick(std::vector<int>{200, 200, 201, 400, 404, 500, 503})
+                                        : 200 + int(random.below(400));
+        if (status == 403 || status == 407 || status == 204 || status == 304)
+            status = 200;  // a proxy password; no body
         std::string body = random.percent(50) ? random.text(random.length(3000)) : random.bytes(random.length(3000));
         std::string fault = "path=/fuzz&count=0&status=" + std::to_string(status), expected;
         bool cut = false, malformed = false;
         size_t repeat = 1;
         switch (random.below(7)) {
-        case 0: body.clear(); break;
-        case 1:  // huge, or without end
-            body = random.bytes(1 + random.below(1000), "abcdefghijklmnopqrstuvwxyz0123456789\r\n <>&");
-            repeat = random.percent(20) ? 0 : 1 + random.below((1 << 20) / body.size());
-            fault += "&repeat=" + std::to_string(repeat);
-            break;
-        case 2:  // slow
-            body.resize(random.below(400));
-            fault += "&piece_bytes=" + std::to_string(16 + random.below(200)) + "&piece_ms=" + std::to_string(random.below(4)) +
-                     "&delay_ms=" + std::to_string(random.below(30));
-            break;
-        case 3: fault = "path=/fuzz&count=0&reset=1", cut = true; break;
-        case 4: fault += "&reset_after=" + std::to_string(random.below(body.size() + 200)), cut = true; break;
-        case 5: {  // Wine, unlike Windows, overruns its own cookie parser on a long tail: short cookies only
-            std::string raw = "HTTP/1.1 " + std::to_string(status) + " Fuzz\r\nContent-Length: " + std::to_string(body.size()) +
-                              "\r\nSet-Cookie: f=" + formEscape(random.text(random.length(40))) + "; path=/\r\n\r\n" + body;
-            fault = "path=/fuzz&count=0&raw=" + formEscape(random.mutate(raw, {"\r\n", "\r\n\r\n", "HTTP/1.1 ",
-                                                                              "Content-Length: 99999\r\n", ":"}, 60, 6, 60000));
-            malformed = true;
-        }
+            case 0: body.clear();
+                break;
+            case 1:  // huge, or without end
+                body = random.bytes(1 + random.below(1000), "abcdefghijklmnopqrstuvwxyz0123456789\r\n <>&");
+                repeat = random.percent(20) ? 0 : 1 + random.below((1 << 20) / body.size());
+                fault += "&repeat=" + std::to_string(repeat);
+                break;
+            case 2:  // slow
+                body.resize(random.below(400));
+                fault += "&piece_bytes=" + std::to_string(16 + random.below(200)) +
+                         "&piece_ms=" + std::to_string(random.below(4)) +
+                         "&delay_ms=" + std::to_string(random.below(30));
+                break;
+            case 3: fault = "path=/fuzz&count=0&reset=1", cut = true;
+                break;
+            case 4: fault += "&reset_after=" + std::to_string(random.below(body.size() + 200)), cut = true;
+                break;
+            case 5: {  // Wine, unlike Windows, overruns its own cookie parser on a long tail: short cookies only
+                std::string raw =
+                    "HTTP/1.1 " + std::to_string(status) + " Fuzz\r\nContent-Length: " + std::to_string(body.size()) +
+                    "\r\nSet-Cookie: f=" + formEscape(random.text(random.length(40))) + "; path=/\r\n\r\n" + body;
+                fault = "path=/fuzz&count=0&raw=" +
+                        formEscape(random.mutate(
+                            raw, {"\r\n", "\r\n\r\n", "HTTP/1.1 ", "Content-Length: 99999\r\n", ":"}, 60, 6, 60000));
+                malformed = true;
+            }
         }
         clearFaults();
         addFault(malformed ? fault : fault + "&body=" + formEscape(body));
@@ -75,7 +83,10 @@ TEST(Fuzz, ServerReplies)
 
         CReplyHolder reply(account.postForm(url.c_str(), "a=b", 3));
         EXPECT_EQ(reply ? 0 : 1, refusedDialogs);
-        if (!reply) { EXPECT_TRUE(cut || malformed) << "a whole reply came to nothing"; return; }
+        if (!reply) {
+            EXPECT_TRUE(cut || malformed) << "a whole reply came to nothing";
+            return;
+        }
         const std::string got(reply->replyBody.text(), reply->replyBody.size());
         EXPECT_TRUE(reply->headers.size() == 0 || reply->headers.text()[reply->headers.size() - 1] == 0);
         // A text of one long line held the wizard for minutes in the error list's edit control, which
@@ -87,10 +98,12 @@ TEST(Fuzz, ServerReplies)
             joined += shown.substr(start, end == std::string::npos ? end : end - start);
             EXPECT_LE(std::min(end, shown.size()) - start, 256u);
         }
-        std::remove_copy_if(got.begin(), got.end(), std::back_inserter(plain), [](char c) { return c == '\r' || c == '\n'; });
+        std::remove_copy_if(got.begin(), got.end(), std::back_inserter(plain),
+                            [](char c) { return c == '\r' || c == '\n'; });
         EXPECT_EQ(plain, joined) << "nothing lost but line ends added";
         if (malformed) return;
-        EXPECT_TRUE(reply->statusCode == static_cast<DWORD>(status) || (cut && reply->statusCode == 0));  // cut before it
+        EXPECT_TRUE(reply->statusCode == static_cast<DWORD>(status) ||
+                    (cut && reply->statusCode == 0));  // cut before it
         EXPECT_TRUE(keptAsText(expected, got, !cut)) << expected.size() << " bytes sent, " << got.size() << " kept";
     });
     clearFaults();

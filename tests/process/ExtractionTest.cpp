@@ -59,7 +59,8 @@ TEST_F(Extraction, UnpacksIntoAFreeNameAndRemovesIt)
 TEST_F(Extraction, BrokenPayloadsAndAFullDiskSayCorruptInstallationAndLeaveNothing)
 {
     std::vector<std::string> programs;
-    for (const char* variant : {"corrupt", "empty", "nosetupini", "missingmember"}) programs.push_back(variantPath(variant));
+    for (const char* variant : {"corrupt", "empty", "nosetupini", "missingmember"})
+        programs.push_back(variantPath(variant));
     // A drive of a few pages that scripts/run-tests.sh mounts where the machine allows it.
     const char* drive = std::getenv("TAVRIN_SMALL_DRIVE");
     if (drive) programs.insert(programs.end(), {setupPath(), variantPath("large")});

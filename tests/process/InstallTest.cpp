@@ -36,7 +36,8 @@ TEST_F(Install, UpdateOverAFileInUseIsFinishedAtTheNextLogonThenUninstalled)
     BrowserStandIn browser(opened);
     SetupProcess first("/q");
     ASSERT_EQ(first.wait(30000), 0);
-    for (const char* name : payload) EXPECT_EQ(readFile(folder + "\\" + name), built(std::string("payload\\") + name)) << name;
+    for (const char* name : payload)
+        EXPECT_EQ(readFile(folder + "\\" + name), built(std::string("payload\\") + name)) << name;
     EXPECT_EQ(registeredServer(0), folder + "\\TAVRIN.DLL");
     EXPECT_EQ(readValue(HKEY_LOCAL_MACHINE, uninstallKey, "UninstallString"),
               "rundll32 advpack.dll,LaunchINFSection " + infPath() + ",TavRinUninstall");
@@ -70,8 +71,10 @@ TEST_F(Install, UpdateOverAFileInUseIsFinishedAtTheNextLogonThenUninstalled)
         ScreenToClient(frame, &top);
         PostMessageA(frame, WM_MOUSEMOVE, 0, MAKELPARAM(client.right - 15, top.y - 21));
         PostMessageA(frame, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(client.right - 15, top.y - 21));
-        EXPECT_NE(browser.seenOnce("CustomerSupport").find("http://www.tavrin.example/CustomerSupport"), std::string::npos);
-        EXPECT_NE(browser.seenOnce("example/\"").find("http://www.tavrin.example/\""), std::string::npos) << browser.seen();
+        EXPECT_NE(browser.seenOnce("CustomerSupport").find("http://www.tavrin.example/CustomerSupport"),
+                  std::string::npos);
+        EXPECT_NE(browser.seenOnce("example/\"").find("http://www.tavrin.example/\""), std::string::npos)
+            << browser.seen();
 
         uidriver::pressButton(frame, 1001);
         ASSERT_TRUE(pageShowing(frame, 1025)) << "no update page";
@@ -101,7 +104,8 @@ TEST_F(Install, UpdateOverAFileInUseIsFinishedAtTheNextLogonThenUninstalled)
     EXPECT_NE(readLog().find("- Reboot Required"), std::string::npos);
     EXPECT_EQ(registeredServer(2), "(none)") << "the old file in use is unregistered until the restart run";
     EXPECT_NE(readLog().find("- tvdownload.exe copied"), std::string::npos) << "the other files go on";
-    EXPECT_EQ(readLog().find("- TAVRIN.DLL copied"), std::string::npos) << "an equal version under the upgrade check stays";
+    EXPECT_EQ(readLog().find("- TAVRIN.DLL copied"), std::string::npos)
+        << "an equal version under the upgrade check stays";
     // The next logon: Windows deletes the value and starts its command.
     RegDeleteKeyValueA(HKEY_CURRENT_USER, runOnceKey, "TavRin");
     writeFile(opened, "");
@@ -127,7 +131,8 @@ TEST_F(Install, UpdateOverAFileInUseIsFinishedAtTheNextLogonThenUninstalled)
     if (!secondStage.empty() && secondStage.back() == '\r') secondStage.pop_back();
     char system[MAX_PATH];
     GetSystemDirectoryA(system, sizeof system);
-    ASSERT_EQ(secondStage, "RunDll32 " + std::string(system) + "\\Advpack.dll,LaunchINFSection " + infPath() + ",TavRinUninstall2");
+    ASSERT_EQ(secondStage,
+              "RunDll32 " + std::string(system) + "\\Advpack.dll,LaunchINFSection " + infPath() + ",TavRinUninstall2");
     EXPECT_TRUE(exists(folder + "\\TAVRIN.DLL")) << "files go in the second stage only";
     RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, runOnceKey, "TavRinUninstall");
     ASSERT_TRUE(runToEnd(secondStage));
@@ -151,7 +156,8 @@ TEST_F(Install, CopyThatFailsStopsThePassWithoutRollback)
     // A drive of a few pages that scripts/run-tests.sh mounts where the machine allows it.
     const char* drive = std::getenv("TAVRIN_SMALL_DRIVE");
     for (const std::string& target : {folder, std::string(drive ? drive : "") + "\\TavRin"}) {
-        if (!drive && target != folder) GTEST_SKIP() << "no small drive (TAVRIN_SMALL_DRIVE): the full disk went untried";
+        if (!drive && target != folder)
+            GTEST_SKIP() << "no small drive (TAVRIN_SMALL_DRIVE): the full disk went untried";
         SCOPED_TRACE(target);
         SetupProcess setup("");
         HWND frame = startCopy(setup, target == folder ? "" : target);

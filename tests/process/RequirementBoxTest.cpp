@@ -36,7 +36,8 @@ CRegistryCheck check(const char* comparison, const char* bound)
 
 void setInstalledVersion(const char* version)
 {
-    RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\TavRinTests\\Browser", "Version", REG_SZ, version, lstrlenA(version) + 1);
+    RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\TavRinTests\\Browser", "Version", REG_SZ, version,
+                    lstrlenA(version) + 1);
 }
 }  // namespace
 
@@ -48,8 +49,9 @@ TEST(RequirementBox, TooOldAndTooNewTellTheBounds)
     setInstalledVersion("5.00.2314");
     BoxAnswerer old;
     EXPECT_EQ(checkRegistryEntry(nullptr, &wizard, check("vergreater", "5.00.2314.1003")), 0);
-    EXPECT_EQ(old.join(), std::vector<std::string>{"Your version of Internet %s Explorer is unsupported by TavRin Personal.\n"
-                          "Please upgrade your Internet %s Explorer to 5.00.2314.1003 or higher."});
+    EXPECT_EQ(old.join(),
+              std::vector<std::string>{"Your version of Internet %s Explorer is unsupported by TavRin Personal.\n"
+                                       "Please upgrade your Internet %s Explorer to 5.00.2314.1003 or higher."});
 
     // A bound met exactly passes either way; one box: the check behind the failing one is never made.
     setInstalledVersion("6");
@@ -57,8 +59,9 @@ TEST(RequirementBox, TooOldAndTooNewTellTheBounds)
                                       check("VERLESSER", "5.00.2314.1003"), check("VERGREATER", "99")};
     BoxAnswerer tooNew;
     EXPECT_EQ(checkRequirements(&wizard), 0);
-    EXPECT_EQ(tooNew.join(), std::vector<std::string>{"The version of Internet %s Explorer is unsupported by TavRin Personal. "
-                             "The latest version of Internet %s Explorer supported by TavRin Personal "
-                             "is 5.00.2314.1003."});
+    EXPECT_EQ(tooNew.join(),
+              std::vector<std::string>{"The version of Internet %s Explorer is unsupported by TavRin Personal. "
+                                       "The latest version of Internet %s Explorer supported by TavRin Personal "
+                                       "is 5.00.2314.1003."});
     RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\TavRinTests\\Browser");
 }

@@ -63,7 +63,10 @@ std::string testFolder()
 
 // build/x64/tests/process/<test>.exe beside build/x64/SETUP.EXE
 std::string setupPath() { return testFolder() + "..\\..\\SETUP.EXE"; }
-std::string variantPath(const std::string& variant) { return testFolder() + "..\\..\\variants\\SETUP_" + variant + ".EXE"; }
+std::string variantPath(const std::string& variant)
+{
+    return testFolder() + "..\\..\\variants\\SETUP_" + variant + ".EXE";
+}
 std::string built(const std::string& path) { return readFile(testFolder() + "..\\..\\" + path); }
 
 std::string windowsFolder()
@@ -134,7 +137,8 @@ const char* const classIds[] = {"{16C7C243-7FA0-11D3-A0E4-0A02B9000000}", "{16C7
 
 std::string registeredServer(int index)
 {
-    return readValue(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + classIds[index] + "\\InprocServer32").c_str(), nullptr);
+    return readValue(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + classIds[index] + "\\InprocServer32").c_str(),
+                     nullptr);
 }
 
 std::string answerBox(SetupProcess& process, const std::string& caption, int button)
@@ -173,7 +177,8 @@ BrowserStandIn::BrowserStandIn(const std::string& file) : output(file)
 {
     DeleteFileA(output.c_str());
     SetEnvironmentVariableA("TAVRIN_RECORDER_OUT", output.c_str());
-    const std::string folder = "C:\\Program Files\\Browser Stand-In", recorder = "\"" + folder + "\\recorder.exe\" \"%1\"";
+    const std::string folder = "C:\\Program Files\\Browser Stand-In",
+                      recorder = "\"" + folder + "\\recorder.exe\" \"%1\"";
     CreateDirectoryA(folder.c_str(), nullptr);
     CopyFileA((testFolder() + "recorder.exe").c_str(), (folder + "\\recorder.exe").c_str(), FALSE);
     CopyFileA((testFolder() + "..\\..\\payload\\tvdownload.exe").c_str(), "C:\\Program.exe", FALSE);

@@ -56,10 +56,10 @@ TEST_F(Startup, RestartRunStopsAtAFailingLineAndKeepsEverything)
     writeFile(source + "one.dll", "first payload file");
     writeFile(source + "two.exe", "second payload file");
     writeFlag("1");
-    writeFile(script, "## TavRin Installation Reboot Script ##\r\nDestination=" + target + "\r\nSource=" +
-                          source.substr(0, source.size() - 1) + "\r\ncopy " + source + "one.dll " + target + "one.dll\r\n" +
-                          "copy " + source + "missing.dll " + target + "missing.dll\r\n" + "copy " + source + "two.exe " +
-                          target + "two.exe\r\n");
+    writeFile(script, "## TavRin Installation Reboot Script ##\r\nDestination=" + target +
+                          "\r\nSource=" + source.substr(0, source.size() - 1) + "\r\ncopy " + source + "one.dll " +
+                          target + "one.dll\r\n" + "copy " + source + "missing.dll " + target + "missing.dll\r\n" +
+                          "copy " + source + "two.exe " + target + "two.exe\r\n");
     {
         SetupProcess setup("-restart " + script);
         EXPECT_FALSE(answerBox(setup, "Error").empty()) << "the system's text comes first";

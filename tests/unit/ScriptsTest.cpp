@@ -116,12 +116,15 @@ TEST(RestartScript, ReaderTakesFourCommandsWriterAndRunOnceValueUseShortForms)
     std::string script = "left over";
     startRestartScript(script, wizard);
     CInstallFile dll;
-    dll.fileName = "TAVRIN.DLL", dll.autoReg = true, dll.destFolder = wizard.settings.destination, dll.sourceFolder = source;
+    dll.fileName = "TAVRIN.DLL", dll.autoReg = true, dll.destFolder = wizard.settings.destination,
+    dll.sourceFolder = source;
     appendRestartEntry(dll, script);
-    const std::string shortDll = shortPathOf((source + "\\TAVRIN.DLL").c_str()), target = dll.destFolder + "\\TAVRIN.DLL";
+    const std::string shortDll = shortPathOf((source + "\\TAVRIN.DLL").c_str()),
+                      target = dll.destFolder + "\\TAVRIN.DLL";
     EXPECT_EQ(std::string::npos, shortDll.find(' ')) << "the copy line's source must hold no blank";
-    EXPECT_EQ("D|C:\\Program Files\\Tav Rin|\nS|" + source + "|\nC|" + shortDll + "|" + target + "\nR|" + target + "|\n",
-              describe(script));
+    EXPECT_EQ(
+        "D|C:\\Program Files\\Tav Rin|\nS|" + source + "|\nC|" + shortDll + "|" + target + "\nR|" + target + "|\n",
+        describe(script));
     EXPECT_EQ(0u, script.find("## TavRin Installation Reboot Script ##\r\n"));
     DeleteFileA((source + "\\TAVRIN.DLL").c_str());
     writeFile(source + "\\tavrin.rss", std::string(5000, 'x'));  // an older, longer script
@@ -150,10 +153,13 @@ TEST(UninstallScript, NamesEveryFileByItsShortPathInBothStages)
     const std::string destination = tempFolder("TavRin Uninstall"), shortDestination = shortPathOf(destination.c_str());
     ASSERT_NE(destination, shortDestination);  // the blank has to go, or the test shows nothing
     CInstallWizard wizard(false);
-    wizard.settings.title = "Side Bar", wizard.settings.readme = "readme.txt", wizard.settings.destination = destination;
-    const struct { const char* name; std::string shortPath; bool autoReg; } files[] = {
-        {"TAVRIN.DLL", shortDestination + "\\TAVRIN.DLL", true}, {"tvdownload.exe", shortDestination + "\\TVDOWN~1.EXE", false},
-        {"tvprotocol.dll", "TVPROT~1.DLL", true}, {"tvnotes.txt", "", false}};
+    wizard.settings.title = "Side Bar", wizard.settings.readme = "readme.txt",
+    wizard.settings.destination = destination;
+    const struct { const char* name; std::string shortPath; bool autoReg;
+    } files[] = {{"TAVRIN.DLL", shortDestination + "\\TAVRIN.DLL", true},
+                 {"tvdownload.exe", shortDestination + "\\TVDOWN~1.EXE", false},
+                 {"tvprotocol.dll", "TVPROT~1.DLL", true},
+                 {"tvnotes.txt", "", false}};
     for (const auto& f : files) {
         wizard.settings.files.emplace_back();
         CInstallFile& file = wizard.settings.files.back();
@@ -164,11 +170,13 @@ TEST(UninstallScript, NamesEveryFileByItsShortPathInBothStages)
     for (const std::string& part :
          {"[TavRinFilesDir]\r\n,,,,\"" + shortDestination + "\"\r\n",
           std::string("DelFiles           = README.TXT,TAVRIN.DLL,tvdownload.exe,tvprotocol.dll,tvnotes.txt\r\n"),
-          std::string("tvnotes.txt = 49100\r\n\r\n[README.TXT]\r\nreadme.txt,,,32\r\n[TAVRIN.DLL]\r\nTAVRIN.DLL,,,32\r\n"
-                      "[tvdownload.exe]\r\nTVDOWN~1.EXE,,,32\r\n"
-                      "[tvprotocol.dll]\r\nTVPROT~1.DLL,,,32\r\n[tvnotes.txt]\r\n,,,32\r\n\r\n"
-                      "[self.registering.dlls]\r\n%49100%\\TAVRIN.DLL\r\n%49100%\\TVPROT~1.DLL\r\n\r\n"),
-          std::string("\"RunDll32 %11%\\Advpack.dll,LaunchINFSection C:\\My Windows\\INF\\tvuninst.inf,TavRinUninstall2\r\n"),
+          std::string(
+              "tvnotes.txt = 49100\r\n\r\n[README.TXT]\r\nreadme.txt,,,32\r\n[TAVRIN.DLL]\r\nTAVRIN.DLL,,,32\r\n"
+              "[tvdownload.exe]\r\nTVDOWN~1.EXE,,,32\r\n"
+              "[tvprotocol.dll]\r\nTVPROT~1.DLL,,,32\r\n[tvnotes.txt]\r\n,,,32\r\n\r\n"
+              "[self.registering.dlls]\r\n%49100%\\TAVRIN.DLL\r\n%49100%\\TVPROT~1.DLL\r\n\r\n"),
+          std::string(
+              "\"RunDll32 %11%\\Advpack.dll,LaunchINFSection C:\\My Windows\\INF\\tvuninst.inf,TavRinUninstall2\r\n"),
           std::string("PRODUCT_TITLE      = \"Side Bar\"\r\n")})
         EXPECT_NE(std::string::npos, script.find(part)) << part;
     EXPECT_EQ("rundll32 advpack.dll,LaunchINFSection C:\\My Windows\\INF\\tvuninst.inf,TavRinUninstall",

@@ -55,7 +55,10 @@ inline bool eventually(const std::function<bool()>& condition, int tries = 100)
         if (condition()) return true;
     return false;
 }
-inline bool onPage(CInstallWizard& w, int id) { return w.currentPage < int(w.pages.size()) && w.pages[w.currentPage]->id == id; }
+inline bool onPage(CInstallWizard& w, int id)
+{
+    return w.currentPage < int(w.pages.size()) && w.pages[w.currentPage]->id == id;
+}
 
 // The page is the current one and stands on the screen (its window comes after).
 inline bool shown(CInstallWizard& wizard, int id)

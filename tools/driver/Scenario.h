@@ -15,6 +15,9 @@
 //   unique <VARIABLE> <prefix>        a name no earlier run took, e.g. for an account
 //   clean-machine                     no product, no leftovers of a run, no account
 //   use-service                       the wizard told to use TAVRIN_SERVICE_URL
+//   welcome-page                      the frame on its first page
+//   cancel-no, cancel-yes             Cancel, and No (the wizard stays) or Yes to its question
+//   finish-opening-nothing            the finish page's boxes unticked, then Finish
 // With a shots folder, `shot <name>` pictures the screen, and so does every `box`
 // step before it answers.
 namespace scenario {

@@ -39,6 +39,13 @@ const Composite composites[] = {
       "reg-delete HKCR\\CLSID\\{16C7C245-7FA0-11D3-A0E4-0A02B9000000}",
       "reg-delete HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\TavRin",
       "reg-delete HKCU\\SOFTWARE\\Tavrin", "delete-tree %TEMP%\\tavrin", "forget-account"}},
+    // The wizard's first page; Cancel, and the answer to its question.
+    {"welcome-page", {"frame TavRin Installation - 3. 1. 0. 12", "page-text Click Next to continue."}},
+    {"cancel-no",
+     {"click 2", "box \"Abort Install\" No Are you sure you want to cancel this installation?", "expect-running 500"}},
+    {"cancel-yes", {"click 2", "box \"Abort Install\" Yes Are you sure you want to cancel this installation?"}},
+    // Finish with the readme and the browser left closed.
+    {"finish-opening-nothing", {"untick 1018", "untick 1031", "click 2"}},
     // The program talks to the service named in the development override.
     {"use-service",
      {"reg-set HKCU\\SOFTWARE\\Tavrin\\Debug RegoServer "
